@@ -5,6 +5,6 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh
 cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-    -DOLMO_BUILD_TESTS=OFF -DOLMO_BUILD_BENCH=OFF >/dev/null
+    -DOLMO_BUILD_TESTS=OFF -DOLMO_BUILD_BENCH=ON >/dev/null
 cmake --build build/release -j"$(nproc)" --target olmo_hello
 exec build/release/demos/olmo_hello "$@"

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Builds Olmo and runs every test: the whole suite under AddressSanitizer
 # and UndefinedBehaviorSanitizer, then the thread tests under
-# ThreadSanitizer.  Installs what it needs first.  Prints how long each
-# stage took and, last, one line with the totals.
+# ThreadSanitizer, then an optimised build (the demo's), whose warnings
+# differ.  Installs what it needs first.  Prints how long each stage took
+# and, last, one line with the totals.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
@@ -55,6 +56,8 @@ stage "tests (asan+ubsan)" run_ctest build/asan -LE thread
 
 stage "build (tsan)" bash -c "$(declare -f configure); root=$root; configure build/tsan thread && cmake --build build/tsan -j$jobs"
 stage "thread tests (tsan)" run_ctest build/tsan -L thread
+
+stage "build (release)" bash -c "cmake -S '$root' -B build/release -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOLMO_BUILD_TESTS=OFF -DOLMO_BUILD_BENCH=ON >/dev/null && cmake --build build/release -j$jobs"
 
 echo
 echo "=== stage times"
