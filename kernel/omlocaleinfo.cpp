@@ -5,6 +5,7 @@
 #include "omlocale.h"
 
 #include "kernel/omdiag.h"
+#include "kernel/omstring.h"
 
 #include <winbase.h>
 #include <winnls.h>
@@ -462,61 +463,15 @@ bool localeString(const Locale &l, LCTYPE type, std::string &out)
 
 // ---- Output in the Windows manner ----
 
+// The conversions are the kernel's shared ones (omstring.h).
 std::u16string toUtf16(const std::string &s)
 {
-    std::u16string out;
-    for (size_t i = 0; i < s.size();) {
-        unsigned char c = static_cast<unsigned char>(s[i]);
-        uint32_t cp;
-        size_t len = c < 0x80 ? 1 : c < 0xE0 ? 2 : c < 0xF0 ? 3 : 4;
-        if (i + len > s.size()) {
-            cp = 0xFFFD;
-            len = 1;
-        } else if (len == 1) {
-            cp = c;
-        } else {
-            cp = c & (0x3F >> (len - 1));
-            for (size_t k = 1; k < len; ++k)
-                cp = (cp << 6) | (static_cast<unsigned char>(s[i + k]) & 0x3F);
-        }
-        i += len;
-        if (cp >= 0x10000) {
-            cp -= 0x10000;
-            out += static_cast<char16_t>(0xD800 + (cp >> 10));
-            out += static_cast<char16_t>(0xDC00 + (cp & 0x3FF));
-        } else {
-            out += static_cast<char16_t>(cp);
-        }
-    }
-    return out;
+    return om::kernel::utf8ToUtf16(s);
 }
 
 std::string toUtf8(const WCHAR *s)
 {
-    std::string out;
-    for (; s && *s; ++s) {
-        uint32_t c = *s;
-        if (c >= 0xD800 && c < 0xDC00 && s[1] >= 0xDC00 && s[1] < 0xE000) {
-            c = 0x10000 + ((c - 0xD800) << 10) + (s[1] - 0xDC00);
-            ++s;
-        }
-        if (c < 0x80) {
-            out += static_cast<char>(c);
-        } else if (c < 0x800) {
-            out += static_cast<char>(0xC0 | (c >> 6));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        } else if (c < 0x10000) {
-            out += static_cast<char>(0xE0 | (c >> 12));
-            out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        } else {
-            out += static_cast<char>(0xF0 | (c >> 18));
-            out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-            out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        }
-    }
-    return out;
+    return s ? om::kernel::utf16ToUtf8(std::u16string_view(s)) : std::string();
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "omwaitable.h"
 
 #include "kernel/omdiag.h"
+#include "kernel/omstring.h"
 #include "kernel/omhandles.h"
 #include "kernel/omsync.h"
 
@@ -65,30 +66,7 @@ std::optional<std::string> utf8Name(const WCHAR *name)
 {
     if (!name || !*name)
         return std::nullopt;
-    std::string out;
-    for (const WCHAR *p = name; *p; ++p) {
-        uint32_t c = *p;
-        if (c >= 0xD800 && c < 0xDC00 && p[1] >= 0xDC00 && p[1] < 0xE000) {
-            c = 0x10000 + ((c - 0xD800) << 10) + (p[1] - 0xDC00);
-            ++p;
-        }
-        if (c < 0x80) {
-            out += static_cast<char>(c);
-        } else if (c < 0x800) {
-            out += static_cast<char>(0xC0 | (c >> 6));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        } else if (c < 0x10000) {
-            out += static_cast<char>(0xE0 | (c >> 12));
-            out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        } else {
-            out += static_cast<char>(0xF0 | (c >> 18));
-            out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-            out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        }
-    }
-    return out;
+    return om::kernel::utf16ToUtf8(std::u16string_view(name));
 }
 
 // Creates an object, or opens the existing one of that name (reporting
