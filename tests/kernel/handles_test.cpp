@@ -56,12 +56,23 @@ TEST(HandleTable, NullRecordIsALiveSlot)
 
 TEST(HandleTable, ReservedSlotsAreOnlyTheLowOnes)
 {
-    EXPECT_TRUE(omAllocReservedHandle(5, OM_KIND_BRUSH, &g_record));
-    EXPECT_EQ(omHandleRecord(omHandleFromIndex(5), OM_KIND_BRUSH), &g_record);
+    // Slot 31 may hold the graphics layer's brush: keep and restore it.
+    OmHandleSlot &slot = omHandlesTable[kOmSysColorBrushLastSlot];
+    uint32_t kind = slot.kind.load();
+    void *record = slot.record.load();
+    EXPECT_TRUE(omAllocReservedHandle(kOmSysColorBrushLastSlot, OM_KIND_BRUSH, &g_record));
+    EXPECT_EQ(omHandleRecord(omHandleFromIndex(kOmSysColorBrushLastSlot), OM_KIND_BRUSH), &g_record);
     EXPECT_FALSE(omAllocReservedHandle(0, OM_KIND_BRUSH, &g_record));
     EXPECT_FALSE(omAllocReservedHandle(kOmFirstDynamicSlot, OM_KIND_BRUSH, &g_record));
-    omFreeHandle(5);
-    EXPECT_NE(omAllocHandle(OM_KIND_BRUSH, nullptr), 5u) << "reserved slots are never handed out";
+    for (int i = 0; i < 50; ++i) {
+        uint32_t h = omAllocHandle(OM_KIND_BRUSH, nullptr);
+        EXPECT_GE(h, kOmFirstDynamicSlot) << "reserved slots are never handed out";
+        omFreeHandle(h);
+    }
+    if (kind != OM_KIND_FREE)
+        omAllocReservedHandle(kOmSysColorBrushLastSlot, kind, record);
+    else
+        omFreeHandle(kOmSysColorBrushLastSlot);
 }
 
 TEST(HandleTable, OutOfRangeAndZeroHandlesAreInvalid)
