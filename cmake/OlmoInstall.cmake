@@ -16,6 +16,10 @@ install(TARGETS olmokernel olmogdi olmouser olmomain olmo_headers olmo_all
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+# Resource scripts: olmo_add_resources() for CMake users, olmo-rc for the
+# rest.
+install(FILES cmake/OlmoResources.cmake DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Olmo)
+install(PROGRAMS tools/olmo-rc DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(EXPORT OlmoTargets NAMESPACE Olmo::
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Olmo)
 

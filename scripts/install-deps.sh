@@ -9,6 +9,7 @@ packages=(
     libfontconfig1-dev libxtst-dev libpng-dev
     googletest libgtest-dev libbenchmark-dev
     xvfb xauth mwm fonts-dejavu-core
+    binutils-mingw-w64-x86-64 llvm clang
 )
 
 missing=()

@@ -1,0 +1,21 @@
+/* Identifiers shared by app.rc and the programs that read its resources. */
+#define IDI_APP 1
+#define IDC_POINTER 2
+#define IDB_LOGO 3
+#define IDD_ABOUT 100
+#define IDM_MAIN 200
+#define IDA_MAIN 300
+#define IDS_HELLO 1
+#define IDS_GOODBYE 2
+#define IDS_UNICODE 17
+#define IDM_OPEN 1001
+#define IDM_EXIT 1002
+#define IDM_HELP 1003
+#define IDM_EDITPOPUP 1010
+#define IDM_COPY 1011
+#define IDM_PASTE 1012
+#define IDM_REFRESH 1013
+#define IDC_NAME 2001
+#define IDC_ENABLED 2002
+#define IDC_CHOICE 2003
+#define IDC_CUSTOM 2004
