@@ -1,21 +1,36 @@
-// Start-up of the user library: DllMain, which the kernel layer calls when
-// it loads the library, and _ominit_userdll, which hands the kernel the
-// table of entry points it calls by position.  Entries whose functions are
-// not built yet are registered placeholders (Windows functions) or null
-// (toolkit entries, which the kernel then skips).
+// Start-up of the user library and its shared state: DllMain and
+// _ominit_userdll, which the kernel layer calls when it loads the library,
+// the 57-entry table the kernel calls by position, omWEP, and the locks of
+// the library.  Classes, the desktop window and the rest are made on use.
+#include "core/omwindow.h"
 #include "core/omcore.h"
 
+#include "kernel/omdisplay.h"
+#include "kernel/omprocess.h"
 #include "kernel/omstartup.h"
+#include "widgets/XoBorder.h"
 
-#include <windows.h>
+#include <cstdio>
 
 extern "C" {
 OLMO_API HINSTANCE hUserInstance = nullptr;
+// The version tag: 17 characters and the NUL.
+OLMO_API char omVersionUser[18] = {};
 }
 
 namespace {
 
-// Init_exports: the table lives on this frame; the kernel copies it.
+constexpr char kVersionTag[18] = "USER: Aug  1 2004";
+static_assert(sizeof kVersionTag == 18);
+constexpr const char *kModuleName = "olmouser";
+
+// The table lives on this frame; the kernel copies it.  Entries of later
+// subsystems that are Windows functions point at their registered
+// placeholders until they land.  Toolkit entries that do not exist yet
+// stay null, which the kernel skips: several of them (omInitMsgQ,
+// omInitModifierMasks, omWindowCacheStartInit, omCleanupSMSList,
+// omMsgQExtraCleanUp) run at every start-up or thread exit, where a
+// placeholder would warn in every program.
 void initExports()
 {
     void *table[OM_UE_Count + 1] = {};
@@ -36,6 +51,7 @@ void initExports()
     put(OM_UE_CreateMenu, &CreateMenu);
     put(OM_UE_GetDoubleClickTime, &GetDoubleClickTime);
     put(OM_UE_SetCursor, &SetCursor);
+    put(OM_UE_CreateDesktopWindow, &CreateDesktopWindow);
     put(OM_UE_GetDialogBaseUnits, &GetDialogBaseUnits);
     put(OM_UE_GetActiveWindow, &GetActiveWindow);
     put(OM_UE_GetCursorPos, &GetCursorPos);
@@ -50,23 +66,71 @@ void initExports()
     put(OM_UE_keybd_event, &keybd_event);
     put(OM_UE_mouse_event, &mouse_event);
     put(OM_UE_DestroyAcceleratorTable, &DestroyAcceleratorTable);
-    // The toolkit entries (omInitMsgQ and the rest) join the table as
-    // their subsystems land.
+    put(OM_UE_omSetDefaultClassCursors, &omSetDefaultClassCursors);
+    put(OM_UE_omFindClass, &omFindClass);
+    put(OM_UE_omWindowFromXWindow, &omWindowFromXWindow);
+    put(OM_UE_omDestroyHWNDsMarkedForDeletion, &omDestroyHWNDsMarkedForDeletion);
+    put(OM_UE_omDetachHWNDfromThread, &omDetachHWNDfromThread);
+    put(OM_UE_XoBorderPreinitialize, &XoBorderPreinitialize);
     _omUSER_exports_init(table);
+}
+
+// A lock that is made on first use and never destroyed, so that threads
+// still running at exit never find it gone.
+std::mutex &lazyMutex(std::mutex *&slot, std::once_flag &once)
+{
+    std::call_once(once, [&] { slot = new std::mutex; });
+    return *slot;
 }
 
 }  // namespace
 
+namespace om::core {
+
+#define OM_LAZY_MUTEX(fn, name)                                                            \
+    std::mutex &fn()                                                                       \
+    {                                                                                      \
+        static std::mutex *name = nullptr;                                                 \
+        static std::once_flag name##NeedToInit;                                            \
+        return lazyMutex(name, name##NeedToInit);                                          \
+    }
+
+OM_LAZY_MUTEX(windowClassMutex, omWindowClassMutex)
+OM_LAZY_MUTEX(propertyMutex, omPropertyMutex)
+OM_LAZY_MUTEX(windowSiblingMutex, omWindowSiblingMutex)
+OM_LAZY_MUTEX(destroyWidgetQueueMutex, omMutexDestroyWidgetQ)
+
+#undef OM_LAZY_MUTEX
+
+}  // namespace om::core
+
 extern "C" OLMO_API BOOL WINAPI DllMain(HINSTANCE hinstDLL, DWORD fdwReason, LPVOID)
 {
-    if (fdwReason == DLL_PROCESS_ATTACH)
+    if (omResources.dllTrace)
+        std::printf("DLLTRACE: DllMain() for %s called, hfwReason = %d\n", kModuleName,
+                    static_cast<int>(fdwReason));
+    if (fdwReason == DLL_PROCESS_ATTACH) {
+        std::memcpy(omVersionUser, kVersionTag, sizeof kVersionTag);
         hUserInstance = hinstDLL;
+    }
     return TRUE;
 }
 
-extern "C" OLMO_API void _ominit_userdll(void)
+extern "C" OLMO_API int _ominit_userdll(void)
 {
+    if (omResources.dllTrace)
+        std::puts("DLLTRACE: _ominit_userdll called");
     initExports();
+    om::core::registerGraphicsHooks();
+    return 1;
+}
+
+extern "C" OLMO_API void olmo_dummy_wmi(void) {}
+
+extern "C" OLMO_API void omWEP(void)
+{
+    first_appshell_created_yet = 0;
+    omResetCurrentCursorCount();
 }
 
 extern "C" OLMO_API const char *omUserVersion(void)

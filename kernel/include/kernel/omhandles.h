@@ -17,6 +17,7 @@
 enum OmHandleKind : uint32_t {
     OM_KIND_FREE = 0,
     OM_KIND_WINDOW = 1,
+    OM_KIND_DYING_WINDOW = 2,  // destroyed, its record kept for attached threads
     OM_KIND_CURSOR = 4,
     OM_KIND_ICON = 5,
     OM_KIND_MENU = 6,

@@ -1,0 +1,325 @@
+// The window record, the class record and the handle-to-record lookup: the
+// chief header of core/, which nearly every user-library file includes.
+// Data, small inline accessors and the contracts of core's shared entry
+// points; behaviour lives in core/*.cpp.
+#pragma once
+
+#include <olmo/platform.h>
+
+#include "kernel/omdiag.h"
+#include "kernel/omhandles.h"
+#include "kernel/omthread.h"
+
+#include <windows.h>
+
+#include <X11/Xlib.h>
+
+#include <cstdint>
+#include <cstring>
+#include <mutex>
+#include <new>
+#include <string>
+
+typedef struct _WidgetRec *Widget;
+typedef struct _XRegion *Region;
+struct OmPropNode;
+struct OmClassRecord;
+
+// Window kinds (WindowRecord::kind).
+enum OmWindowKind : uint8_t {
+    OM_WK_PLAIN = 0, OM_WK_DIALOG = 1, OM_WK_EDIT = 2, OM_WK_BUTTON = 3, OM_WK_LISTBOX = 4,
+    OM_WK_COMBOBOX = 5, OM_WK_STATIC = 6, OM_WK_MDICLIENT = 7, OM_WK_SCROLLBAR = 8,
+    OM_WK_MDICHILD = 9, OM_WK_TOOLTIPS = 10, OM_WK_TOOLBAR = 11, OM_WK_TREEVIEW = 12,
+    OM_WK_LISTVIEW = 13, OM_WK_STATUS = 14, OM_WK_UPDOWN = 15, OM_WK_HEADER = 16,
+    OM_WK_PROGRESS = 19, OM_WK_RICHEDIT = 20, OM_WK_TABCTRL = 21, OM_WK_MINIDOCKFRAME = 23,
+};
+
+// Extended-style bits of our own (the top nibble, which Windows leaves free).
+constexpr DWORD kOmExForeign = 0x80000000u;       // no widgets, built outside the library
+constexpr DWORD kOmExAutoScrolled = 0x40000000u;  // automatically scrolled client area
+constexpr DWORD kOmExOpenGL = 0x20000000u;        // the OpenGL visual
+constexpr DWORD kOmExNonToolkit = 0x10000000u;    // wraps a widget built by the program
+
+// A destroyed window whose record waits for other threads to let go of it
+// keeps its slot under this kind: it is no longer a window to anyone, yet
+// the slot cannot be handed out again while attached threads still name
+// the handle in their lists.
+constexpr uint32_t kOmKindDyingWindow = OM_KIND_DYING_WINDOW;
+
+// Node of a window's attachedThreads list.
+struct OmThreadNode {
+    uint64_t thread;
+    OmThreadNode *next;
+};
+
+// The window record.  One block: this fixed part, then the class's
+// cbWndExtra bytes.  Pointer-sized where Win64 keeps a pointer (procedure,
+// instance, id or menu, user data); styles, counts and geometry 32-bit.
+struct WindowRecord {
+    DWORD style = 0;
+    int x = 0, y = 0, cx = 0, cy = 0;
+    uint64_t thread = 0;  // creating thread's handle; its queue gets the messages
+    HWND self = nullptr;  // this record's handle
+    HWND parent = nullptr, owner = nullptr;
+    HWND nextSibling = nullptr, prevSibling = nullptr;
+    HWND firstChild = nullptr, lastChild = nullptr;
+    UINT_PTR idOrMenu = 0;  // control id of a child, menu of a top-level window
+    HINSTANCE instance = nullptr;
+    Region updateRegion = nullptr;
+    bool erasePending = false;
+    bool configured = false;
+    bool exposed = false;
+    bool configureEcho = false;
+    bool motionless = false;
+    bool insensitive = false;
+    bool redraw = true;
+    bool destroying = false;
+    bool blockedByModal = false;
+    bool widgetDestroyQueued = false;
+    bool markedForDeletion = false;
+    bool textIsOrdinal = false;
+    bool inWindowMenu = false;  // an MDI child listed in its client's window menu
+    uint8_t kind = OM_WK_PLAIN;
+    UINT trackState = 0;
+    WNDPROC wndProc = nullptr;
+    void *createParams = nullptr;
+    void *menuList = nullptr;
+    char *text = nullptr;  // XtMalloc'ed copy, never null (or an ordinal, see textIsOrdinal)
+    Widget shellWidget = nullptr;
+    Widget frameWidget = nullptr;
+    Widget canvasWidget = nullptr;
+    Window iconWindow = 0;
+    OmClassRecord *windowClass = nullptr;
+    HDC ownDC = nullptr;
+    Widget hScrollWidget = nullptr;
+    Widget vScrollWidget = nullptr;
+    DWORD exStyle = 0;
+    OmPropNode *properties = nullptr;
+    HMENU sysMenu = nullptr;
+    LONG_PTR controlWords[22] = {};
+    Widget menuBarWidget = nullptr;
+    WNDPROC createProc = nullptr;
+    void *vScrollData = nullptr;
+    void *hScrollData = nullptr;
+    LONG_PTR userData = 0;
+    UINT controlWord = 0;
+    void *liteKids = nullptr;
+    UINT dialogWord = 0;
+    UINT showState = 1;
+    int restoreRect[4] = {};
+    int nonToolkitCx = 0, nonToolkitCy = 0;
+    int requestedCx = 0, requestedCy = 0;
+    int extraBytes = 0;  // size of the extra bytes behind this record
+    OmThreadNode *attachedThreads = nullptr;
+    std::mutex attachMutex;
+
+    unsigned char *extra() { return reinterpret_cast<unsigned char *>(this + 1); }
+};
+static_assert(sizeof(WindowRecord) % alignof(LONG_PTR) == 0, "extra bytes stay aligned");
+
+// The class record.  One block: this fixed part, then cbClsExtra bytes.
+struct OmClassRecord {
+    UINT style = 0;
+    WNDPROC wndProc = nullptr;
+    int clsExtra = 0;
+    int wndExtra = 0;
+    int reportedWndExtra = 0;  // what GCL_CBWNDEXTRA reads and writes
+    HINSTANCE instance = nullptr;
+    HICON icon = nullptr;
+    HCURSOR cursor = nullptr;
+    HBRUSH background = nullptr;
+    LPCSTR menuName = nullptr;  // 0, an ordinal, or the locked copy in menuNameMemory
+    char name[32] = {};
+    HICON smallIcon = nullptr;
+    int (*createWidgetsProc)(HWND) = nullptr;
+    int (*reparentProc)(HWND, int) = nullptr;
+    HGLOBAL menuNameMemory = nullptr;
+    HGLOBAL nameMemory = nullptr;
+    const char *longName = nullptr;  // the whole name, locked in nameMemory
+    unsigned long backgroundPixel = 0;
+    bool hasBackgroundPixel = false;
+    bool builtIn = false;
+
+    unsigned char *extra() { return reinterpret_cast<unsigned char *>(this + 1); }
+};
+static_assert(sizeof(OmClassRecord) % alignof(LONG_PTR) == 0, "extra bytes stay aligned");
+
+// Values of at most 8 bytes at any byte offset of extra bytes.
+template <class T> inline T omReadExtra(const unsigned char *base, int offset)
+{
+    T v;
+    std::memcpy(&v, base + offset, sizeof v);
+    return v;
+}
+template <class T> inline void omWriteExtra(unsigned char *base, int offset, T v)
+{
+    std::memcpy(base + offset, &v, sizeof v);
+}
+template <class T> inline T omSwapExtra(unsigned char *base, int offset, T v)
+{
+    T old = omReadExtra<T>(base, offset);
+    omWriteExtra(base, offset, v);
+    return old;
+}
+
+// The live-window test: index above 0, below omHandlesCount, slot kind 1.
+inline bool omIsWindow(HWND hwnd)
+{
+    return omIsHandleOfKind(omHandleValue(hwnd), OM_KIND_WINDOW);
+}
+
+// The record of a live window without attaching the caller; null for
+// anything else.  For code that must not change attachment (tests, the
+// graphics layer's callbacks).
+inline WindowRecord *omWindowRecord(HWND hwnd)
+{
+    return static_cast<WindowRecord *>(omHandleRecord(omHandleValue(hwnd), OM_KIND_WINDOW));
+}
+
+inline HWND omHwndFromIndex(uint32_t index)
+{
+    return reinterpret_cast<HWND>(static_cast<uintptr_t>(omHandleFromIndex(index)));
+}
+
+// The thread rule: true when the caller may use windows.  Otherwise gives
+// warning 237 naming the entry point and returns false.
+inline bool omThreadRuleOk(const char *function)
+{
+    if (omIsUserInterfaceThreadSupported())
+        return true;
+    if (GetCurrentThreadId() == _omThreadMainThreadId())
+        return true;
+    omDebugWarning(OmDiag::WrongThread, function);
+    return false;
+}
+
+extern "C" {
+
+// The record in hwnd's slot (no check: callers make the live-window test
+// first).  With user-interface threads, attaches the calling thread to the
+// window when it is neither the main thread nor the creator.
+OLMO_API WindowRecord *ConvertHWNDtoPtr(HWND hwnd);
+OLMO_API void omAttachHWNDtoThread(uint64_t thread, WindowRecord *record, HWND hwnd);
+// Forgets every window the thread is attached to.  Lock order: the
+// thread's list before each window's attachMutex.
+OLMO_API void omDetachHWNDfromThread(HANDLE thread);
+
+OLMO_API HWND omWindowFromXWindow(int x, int y, Window xwindow, HWND hwnd);
+OLMO_API void omSetWidgetUserData(HWND hwnd, Widget widget, int role);
+OLMO_API WNDPROC _omGetWndProc(HINSTANCE instance, LPCSTR className);
+
+// Classes.
+OLMO_API int _omSetupClassArray(int grow);
+OLMO_API OmClassRecord *omFindClass(HINSTANCE instance, LPCSTR name);
+OLMO_API void omSetDefaultClassCursors(HCURSOR cursor);
+OLMO_API int omIsStandardControl(const WindowRecord *record);
+OLMO_API int omIsPredefinedChildClass(const WindowRecord *record);
+// Fills a built-in class's procedures (slots 0 to 7: dialog, Edit, Button,
+// ListBox, ComboBox, Static, MDIClient, ScrollBar) when its subsystem
+// lands; until then the class runs a procedure that sets the window's
+// kind and passes the rest to DefWindowProcA.
+OLMO_API void omSetBuiltInClassProcs(int slot, WNDPROC proc, int (*createWidgets)(HWND),
+                                     int (*reparent)(HWND, int));
+
+// Creation.
+OLMO_API HWND _omCreateWindowEx(DWORD exStyle, LPCSTR className, LPCSTR windowName, DWORD style,
+                                int x, int y, int cx, int cy, HWND parent, HMENU menu,
+                                HINSTANCE instance, LPVOID createParams, int motionless);
+OLMO_API int omEnableGLForAllWindows(int on);
+// Non-toolkit windows: a record around a widget the program built; freeing
+// it leaves the widget to the program.
+OLMO_API HWND omCreateNonOlmoWindow(Widget widget, int x, int y, int cx, int cy);
+OLMO_API int omFreeNonOlmoWindow(HWND hwnd);
+OLMO_API HWND CreateDesktopWindow(void);
+
+// Stacking lists (top-level list head; each parent's child list).
+OLMO_API extern HWND omTopLevelWindowList;
+OLMO_API void omRemoveWindowFromSiblingList(HWND hwnd, WindowRecord *record);
+
+// Destruction.  flag is kept for callers that pass it and not consulted.
+OLMO_API BOOL omDestroyWindow(HWND hwnd, int flag, int notifyParent);
+// Clears WS_VISIBLE of the window and of all its descendants.
+OLMO_API void omObscureWindow(HWND hwnd);
+
+// Destruction: the widget destroy queue and the release of records that
+// waited for other threads.  Both are called from whatever pumps X.
+OLMO_API void omQueueDestroyWidget(Widget widget);
+OLMO_API void *omDestroyQueued(void);
+OLMO_API void omDestroyQueuedWidget(void);
+OLMO_API void omDestroyHWNDsMarkedForDeletion(void);
+OLMO_API extern int omSyncDestroyWidget;
+// Runs the idle drain once: every queued widget, then the waiting records.
+OLMO_API void omRunIdleDrain(void);
+// Until the message loop lands: dispatches pending X work, runs the idle
+// drain, or waits up to waitMs.  Main thread.
+OLMO_API int omPumpXEvents(unsigned waitMs);
+
+// Showing (the early slice of the showing module).
+OLMO_API void omShowWindowCurrent(HWND hwnd);
+OLMO_API void omHideWindow(HWND hwnd);
+
+// The client rectangle the graphics layer's GetClientRect answers: the
+// canvas widget's size as last set or reported, never asked of the server.
+OLMO_API BOOL omWindowClientRect(HWND hwnd, RECT *rect);
+
+// Provided by later subsystems (registered placeholders until then).
+void WINAPI omSelectInputs(HWND hwnd);
+void WINAPI omSysMenuInit(HWND hwnd);
+
+// Top-level windows.
+OLMO_API extern int first_appshell_created_yet;
+OLMO_API unsigned _omMwmDecorationsFromStyle(const WindowRecord *record);
+OLMO_API unsigned _omMwmFunctionsFromDecorations(unsigned decorations);
+OLMO_API Widget omCreateShellAlternative(void);
+
+// Start-up.
+OLMO_API BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
+OLMO_API extern char omVersionUser[18];
+OLMO_API void omWEP(void);
+
+}  // extern "C"
+
+// The locks of the user library (all plain, never destroyed).  The class
+// table and property locks belong with the kernel's shared state; until
+// the kernel keeps them they live here under their names.
+namespace om::core {
+std::mutex &windowClassMutex();
+std::mutex &propertyMutex();
+std::mutex &windowSiblingMutex();
+std::mutex &destroyWidgetQueueMutex();
+
+// Sends a message to a window's procedure; 0 for anything but a live
+// window.  The one path core uses for every message it sends.
+LRESULT send(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam);
+
+// The overlapped and pop-up builders; 0 on success, -1 when the creation
+// messages refused (the caller destroys the window).
+int createOverlappedWindow(HWND hwnd, WindowRecord &w);
+int createPopupWindow(HWND hwnd, WindowRecord &w, HWND parentArg);
+
+// Hands the graphics layer the window callbacks (start-up).
+void registerGraphicsHooks();
+
+// UTF-8 to UTF-16 (the W entries).
+std::u16string toWide(const char *utf8);
+
+// Runs f, turning an allocation failure into error 130 and the failure
+// value, so that no exception leaves an entry point.
+template <class R, class F> R guarded(const char *function, R failure, F &&f) noexcept
+{
+    try {
+        return f();
+    } catch (const std::bad_alloc &) {
+        omError(OmDiag::OutOfMemory, function);
+        return failure;
+    }
+}
+
+// Record text helpers.
+void setRecordText(WindowRecord &w, LPCSTR text);
+const char *recordText(const WindowRecord &w);
+
+// Frees a record and its slot (the last step of destruction).
+void releaseRecord(HWND hwnd, WindowRecord *w);
+void freeProperties(WindowRecord &w);
+}  // namespace om::core
