@@ -57,7 +57,7 @@ stage "tests (asan+ubsan)" run_ctest build/asan -LE thread
 stage "build (tsan)" bash -c "$(declare -f configure); root=$root; configure build/tsan thread && cmake --build build/tsan -j$jobs"
 stage "thread tests (tsan)" run_ctest build/tsan -L thread
 
-stage "build (release)" bash -c "cmake -S '$root' -B build/release -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOLMO_BUILD_TESTS=OFF -DOLMO_BUILD_BENCH=ON >/dev/null && cmake --build build/release -j$jobs"
+stage "build (release)" bash -c "cmake -S '$root' -B build/release -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOLMO_BUILD_TESTS=ON -DOLMO_BUILD_BENCH=ON >/dev/null && cmake --build build/release -j$jobs"
 
 echo
 echo "=== stage times"
