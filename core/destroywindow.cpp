@@ -184,6 +184,7 @@ void releaseRecord(HWND hwnd, WindowRecord *w)
     }
     w->~WindowRecord();
     XtFree(reinterpret_cast<char *>(w));
+    omForgetWindowInfo(hwnd);
     omFreeHandle(omHandleValue(hwnd));
 }
 

@@ -66,8 +66,8 @@ void sendMinMaxInfo(HWND hwnd)
     mmi.ptMinTrackSize = {-1, -1};
     mmi.ptMaxTrackSize = {-1, -1};
     om::core::send(hwnd, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&mmi));
-    // FIXME: the tracking sizes go to the window manager's size hints once
-    // the kernel layer keeps them (omSetMinMaxInfo).
+    omSetMinMaxInfo(hwnd, mmi.ptMinTrackSize.x, mmi.ptMinTrackSize.y, mmi.ptMaxTrackSize.x,
+                    mmi.ptMaxTrackSize.y);
 }
 
 void mapToHandle(HWND hwnd, WindowRecord &w)

@@ -95,3 +95,60 @@ extern "C" OLMO_API int omMayBeRemoteWindow(HWND)
 {
     return 0;
 }
+
+namespace {
+
+struct TrackingSizes {
+    int minX, minY, maxX, maxY;
+};
+
+struct TrackingMap {
+    std::shared_mutex lock;
+    std::unordered_map<HWND, TrackingSizes> sizes;
+};
+
+TrackingMap &trackingMap()
+{
+    static TrackingMap m;
+    return m;
+}
+
+}  // namespace
+
+extern "C" OLMO_API void omSetMinMaxInfo(HWND hwnd, int minX, int minY, int maxX, int maxY)
+{
+    TrackingMap &m = trackingMap();
+    std::unique_lock guard(m.lock);
+    m.sizes[hwnd] = TrackingSizes{minX, minY, maxX, maxY};
+}
+
+extern "C" OLMO_API int omGetMinMaxInfo(HWND hwnd, int *minX, int *minY, int *maxX, int *maxY)
+{
+    TrackingSizes s{-1, -1, -1, -1};
+    bool found = false;
+    {
+        TrackingMap &m = trackingMap();
+        std::shared_lock guard(m.lock);
+        auto it = m.sizes.find(hwnd);
+        if (it != m.sizes.end()) {
+            s = it->second;
+            found = true;
+        }
+    }
+    if (minX)
+        *minX = s.minX;
+    if (minY)
+        *minY = s.minY;
+    if (maxX)
+        *maxX = s.maxX;
+    if (maxY)
+        *maxY = s.maxY;
+    return found;
+}
+
+extern "C" OLMO_API void omForgetWindowInfo(HWND hwnd)
+{
+    TrackingMap &m = trackingMap();
+    std::unique_lock guard(m.lock);
+    m.sizes.erase(hwnd);
+}

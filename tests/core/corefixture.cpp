@@ -52,6 +52,12 @@ LRESULT CALLBACK recordingProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam
         return g_ncCreateAnswer;
     if (msg == WM_CREATE)
         return g_createAnswer;
+    if (msg == WM_GETMINMAXINFO) {
+        // A program limits its tracking size; the kernel keeps what it left.
+        auto *mmi = reinterpret_cast<MINMAXINFO *>(lParam);
+        mmi->ptMinTrackSize = {120, 90};
+        return 0;
+    }
     return DefWindowProcA(hwnd, msg, wParam, lParam);
 }
 

@@ -140,6 +140,21 @@ TEST_F(Creation, ARefusedCreationLeavesNoWindow)
     }
 }
 
+TEST_F(Creation, TrackingSizesLeftInGetMinMaxInfoAreKeptUntilDestruction)
+{
+    HWND h = make(WS_POPUP);
+    ASSERT_NE(h, nullptr);
+    int minX = 0, minY = 0, maxX = 0, maxY = 0;
+    ASSERT_TRUE(omGetMinMaxInfo(h, &minX, &minY, &maxX, &maxY));
+    EXPECT_EQ(minX, 120);
+    EXPECT_EQ(minY, 90);
+    EXPECT_EQ(maxX, -1) << "what the procedure left alone stays -1";
+    EXPECT_EQ(maxY, -1);
+    DestroyWindow(h);
+    omRunIdleDrain();
+    EXPECT_FALSE(omGetMinMaxInfo(h, &minX, nullptr, nullptr, nullptr));
+}
+
 TEST_F(Creation, UnknownClassAllocatesNothing)
 {
     int before = om::test::liveWindowCount();

@@ -31,3 +31,15 @@ OLMO_API long omGetWidgetUserDataInfo(Widget w);
 OLMO_API int omMayBeRemoteWindow(HWND hwnd);
 
 }  // extern "C"
+
+extern "C" {
+
+// The tracking sizes a window's procedure left in WM_GETMINMAXINFO at
+// creation (-1 where it set none), kept for the frame and MDI code.
+OLMO_API void omSetMinMaxInfo(HWND hwnd, int minX, int minY, int maxX, int maxY);
+// Answers FALSE (and -1 everywhere) for a window never given any.
+OLMO_API int omGetMinMaxInfo(HWND hwnd, int *minX, int *minY, int *maxX, int *maxY);
+// Forgets what the kernel keeps for a destroyed window.
+OLMO_API void omForgetWindowInfo(HWND hwnd);
+
+}  // extern "C"
