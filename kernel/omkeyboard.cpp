@@ -22,7 +22,8 @@ struct VkKeysym {
 };
 
 // Keys whose virtual key is not a letter or a digit.  Letters map to the
-// lower-case keysym and digits to themselves (below).
+// lower-case keysym and digits to themselves (below).  The Menu key is
+// VK_MENU in the toolkit's mapping, so VK_APPS has no key.
 constexpr VkKeysym kVkKeysyms[] = {
     {VK_CANCEL, XK_Cancel},       {VK_BACK, XK_BackSpace},       {VK_TAB, XK_Tab},
     {VK_CLEAR, XK_Clear},         {VK_RETURN, XK_Return},        {VK_SHIFT, XK_Shift_L},
@@ -33,7 +34,7 @@ constexpr VkKeysym kVkKeysyms[] = {
     {VK_RIGHT, XK_Right},         {VK_DOWN, XK_Down},            {VK_SELECT, XK_Select},
     {VK_PRINT, XK_Print},         {VK_EXECUTE, XK_Execute},      {VK_SNAPSHOT, XK_Print},
     {VK_INSERT, XK_Insert},       {VK_DELETE, XK_Delete},        {VK_HELP, XK_Help},
-    {VK_LWIN, XK_Super_L},        {VK_RWIN, XK_Super_R},         {VK_APPS, XK_Menu},
+    {VK_LWIN, XK_Super_L},        {VK_RWIN, XK_Super_R},
     {VK_NUMPAD0, XK_KP_0},        {VK_NUMPAD1, XK_KP_1},         {VK_NUMPAD2, XK_KP_2},
     {VK_NUMPAD3, XK_KP_3},        {VK_NUMPAD4, XK_KP_4},         {VK_NUMPAD5, XK_KP_5},
     {VK_NUMPAD6, XK_KP_6},        {VK_NUMPAD7, XK_KP_7},         {VK_NUMPAD8, XK_KP_8},
@@ -42,10 +43,11 @@ constexpr VkKeysym kVkKeysyms[] = {
     {VK_DIVIDE, XK_KP_Divide},    {VK_NUMLOCK, XK_Num_Lock},     {VK_SCROLL, XK_Scroll_Lock},
     {VK_LSHIFT, XK_Shift_L},      {VK_RSHIFT, XK_Shift_R},       {VK_LCONTROL, XK_Control_L},
     {VK_RCONTROL, XK_Control_R},  {VK_LMENU, XK_Alt_L},          {VK_RMENU, XK_Alt_R},
-    {VK_OEM_1, XK_semicolon},     {VK_OEM_PLUS, XK_equal},       {VK_OEM_COMMA, XK_comma},
-    {VK_OEM_MINUS, XK_minus},     {VK_OEM_PERIOD, XK_period},    {VK_OEM_2, XK_slash},
-    {VK_OEM_3, XK_grave},         {VK_OEM_4, XK_bracketleft},    {VK_OEM_5, XK_backslash},
-    {VK_OEM_6, XK_bracketright},  {VK_OEM_7, XK_apostrophe},
+    {OM_VK_GRAVE, XK_grave},      {OM_VK_MINUS, XK_minus},       {OM_VK_EQUAL, XK_equal},
+    {OM_VK_BRACKETLEFT, XK_bracketleft}, {OM_VK_BRACKETRIGHT, XK_bracketright},
+    {OM_VK_BACKSLASH, XK_backslash}, {OM_VK_SEMICOLON, XK_semicolon},
+    {OM_VK_APOSTROPHE, XK_apostrophe}, {OM_VK_SLASH, XK_slash}, {OM_VK_PERIOD, XK_period},
+    {OM_VK_COMMA, XK_comma},
 };
 
 bool isToggleKey(int vk)
