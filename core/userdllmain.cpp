@@ -18,6 +18,18 @@ OLMO_API HINSTANCE hUserInstance = nullptr;
 OLMO_API char omVersionUser[18] = {};
 }
 
+// Entries of the message subsystem, which core may not include: declared
+// here by their C names only, as the table sees them.
+extern "C" {
+void omInitModifierMasks(void);
+unsigned int XK2VK(KeySym keysym);
+int omInitMsgQ(HANDLE thread);
+void omMsgQExtraCleanUp(HANDLE thread);
+BOOL omPostMessageEvent(HWND, UINT, WPARAM, LPARAM, const XEvent *, HANDLE, int);
+BOOL omIsMsgAvailable(UINT flags);
+void omUpdateCriticalVirtKeys(void);
+}
+
 namespace {
 
 constexpr char kVersionTag[18] = "USER: Aug  1 2004";
@@ -27,9 +39,8 @@ constexpr const char *kModuleName = "olmouser";
 // The table lives on this frame; the kernel copies it.  Entries of later
 // subsystems that are Windows functions point at their registered
 // placeholders until they land.  Toolkit entries that do not exist yet
-// stay null, which the kernel skips: several of them (omInitMsgQ,
-// omInitModifierMasks, omWindowCacheStartInit, omCleanupSMSList,
-// omMsgQExtraCleanUp) run at every start-up or thread exit, where a
+// stay null, which the kernel skips: several of them (omWindowCacheStartInit,
+// omCleanupSMSList) run at every start-up or thread exit, where a
 // placeholder would warn in every program.
 void initExports()
 {
@@ -72,6 +83,13 @@ void initExports()
     put(OM_UE_omDestroyHWNDsMarkedForDeletion, &omDestroyHWNDsMarkedForDeletion);
     put(OM_UE_omDetachHWNDfromThread, &omDetachHWNDfromThread);
     put(OM_UE_XoBorderPreinitialize, &XoBorderPreinitialize);
+    put(OM_UE_omInitModifierMasks, &omInitModifierMasks);
+    put(OM_UE_XK2VK, &XK2VK);
+    put(OM_UE_omInitMsgQ, &omInitMsgQ);
+    put(OM_UE_omMsgQExtraCleanUp, &omMsgQExtraCleanUp);
+    put(OM_UE_omPostMessageEvent, &omPostMessageEvent);
+    put(OM_UE_omIsMsgAvailable, &omIsMsgAvailable);
+    put(OM_UE_omUpdateCriticalVirtKeys, &omUpdateCriticalVirtKeys);
     _omUSER_exports_init(table);
 }
 

@@ -1,0 +1,87 @@
+// The per-thread posted-message queue: the message record, the queue state
+// hung off each thread record, posting, head insertion, the queue probes
+// and the ring of recently retrieved messages.
+#pragma once
+
+#include <olmo/platform.h>
+
+#include <windows.h>
+
+#include <X11/Xlib.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <ctime>
+
+// The event type word of a record made without an X event.
+constexpr int kOmNoXEvent = -100;
+
+// One queued message.  Records live in one array per thread and are
+// chained through link, in the queue or in the free list.
+struct OmMsgRecord {
+    OmMsgRecord *link;
+    HWND hwnd;
+    UINT message;
+    WPARAM wParam;
+    LPARAM lParam;
+    DWORD time;
+    int x;
+    int y;
+    XEvent event;         // type kOmNoXEvent when made without one
+    HANDLE originThread;  // the thread a by-thread post named, else 0
+};
+
+extern "C" {
+
+// Records of the main thread's pool and its growth step; the same for
+// every other thread.
+OLMO_API extern unsigned omMsgQLimit;
+OLMO_API extern unsigned omSecondaryThreadMsgQLimit;
+
+OLMO_API int omInitMsgQ(HANDLE thread);
+OLMO_API void omMsgQExtraCleanUp(HANDLE thread);
+OLMO_API BOOL omPostMessageEvent(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam,
+                                 const XEvent *xevent, HANDLE thread, int byThread);
+OLMO_API BOOL omShoveMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam,
+                             HANDLE thread);
+OLMO_API BOOL omMsgQEmpty(HANDLE thread);
+OLMO_API BOOL omIsMsgAvailable(UINT flags);
+OLMO_API void omUpdateCriticalVirtKeys(void);
+OLMO_API DWORD omGetTickCountMicro(void);
+
+// Whether the thread's queue is set up and it may take part in sends.
+OLMO_API int omThreadCanSend(HANDLE thread);
+
+// The calling thread's ring of recently retrieved messages.
+OLMO_API void omMsgMRUAdd(const OmMsgRecord *record);
+OLMO_API int omMsgMRUSearch(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam,
+                            OmMsgRecord *out);
+
+// The calling thread's last pointer position and message time, set by
+// retrieval from the message it hands out.
+OLMO_API void omSetLastMessageState(int x, int y, DWORD time);
+OLMO_API DWORD omLastMessageTime(void);
+
+// Root-window broadcasts to every process of the toolkit on the display.
+// type is _omPostMessageAtom or _omSendMessageAtom.
+OLMO_API BOOL _omBroadcastMessage(Atom type, UINT message, WPARAM wParam, LPARAM lParam);
+OLMO_API void omBroadCastWinIniChange(LPCSTR section);
+// Delivery of a received broadcast to this process's windows.
+OLMO_API void omWinIniChange(const XEvent *event);
+OLMO_API void omMessageBroadCast(const XEvent *event);
+// Nonzero while a received settings change is being delivered: sending
+// WM_WININICHANGE must not broadcast it again then.
+OLMO_API int _omDeliveringSettingsChange(void);
+
+#ifdef OLMO_MESSAGES_TEST_ACCESS
+// Test builds only, until retrieval exists: take the first queued record
+// of a thread (0: the caller) into out; false when the queue is empty.
+OLMO_API int omTestTakeMessage(HANDLE thread, OmMsgRecord *out);
+// Records in the thread's pool, and how often its wake pipe was drained.
+OLMO_API unsigned omTestQueueCapacity(HANDLE thread);
+OLMO_API unsigned omTestWakeCount(void);
+// Replaces time() for the shrink policy; null restores it.
+OLMO_API void omTestSetQueueClock(time_t (*clock)(void));
+#endif
+
+}  // extern "C"
