@@ -514,7 +514,7 @@
 #define DI_APPBANDING 0x00000001
 #define SP_ERROR (-1)
 
-/* DEVMODE: specification version, dmFields bits and orientations. */
+/* DEVMODE: the structure version, dmFields bits and orientations. */
 #define DM_SPECVERSION 0x0401
 #define DM_ORIENTATION 0x00000001
 #define DM_PAPERSIZE 0x00000002

@@ -90,15 +90,15 @@ struct ChildSpec {
     int deathSignal = SIGTERM; // sent when the thread that forked dies
 };
 
-pid_t spawn(const ChildSpec &spec, std::string &error)
+pid_t spawn(const ChildSpec &child, std::string &error)
 {
     std::vector<char *> argv;
-    argv.push_back(const_cast<char *>(spec.path.c_str()));
-    for (const auto &a : spec.args)
+    argv.push_back(const_cast<char *>(child.path.c_str()));
+    for (const auto &a : child.args)
         argv.push_back(const_cast<char *>(a.c_str()));
     argv.push_back(nullptr);
     std::vector<char *> envp;
-    for (const auto &e : spec.env)
+    for (const auto &e : child.env)
         envp.push_back(const_cast<char *>(e.c_str()));
     envp.push_back(nullptr);
 
@@ -110,7 +110,7 @@ pid_t spawn(const ChildSpec &spec, std::string &error)
     }
     if (pid == 0) {
         // Only async-signal-safe calls from here to execve.
-        prctl(PR_SET_PDEATHSIG, spec.deathSignal);
+        prctl(PR_SET_PDEATHSIG, child.deathSignal);
         if (getppid() != parent)
             _exit(127); // the parent died before prctl took effect
         sigset_t none;
@@ -121,17 +121,17 @@ pid_t spawn(const ChildSpec &spec, std::string &error)
         int null = open("/dev/null", O_RDONLY);
         if (null >= 0)
             dup2(null, 0);
-        if (spec.logFd >= 0) {
-            dup2(spec.logFd, 1);
-            dup2(spec.logFd, 2);
+        if (child.logFd >= 0) {
+            dup2(child.logFd, 1);
+            dup2(child.logFd, 2);
         }
-        if (spec.inheritFd == 3)
+        if (child.inheritFd == 3)
             fcntl(3, F_SETFD, 0);
-        else if (spec.inheritFd >= 0)
-            dup2(spec.inheritFd, 3);
+        else if (child.inheritFd >= 0)
+            dup2(child.inheritFd, 3);
         // Nothing else of ours leaks into the child, e.g. pipes a test
         // runner waits on for EOF.
-        close_range(spec.inheritFd >= 0 ? 4 : 3, ~0u, 0);
+        close_range(child.inheritFd >= 0 ? 4 : 3, ~0u, 0);
         execve(argv[0], argv.data(), envp.data());
         static const char msg[] = "olmo test harness: execve failed\n";
         ssize_t ignored = write(2, msg, sizeof msg - 1);
@@ -209,9 +209,9 @@ bool XServer::start()
     error_.clear();
     const auto deadline = Clock::now() + options_.startTimeout;
 
-    ChildSpec spec;
-    spec.path = findExecutable("Xvfb");
-    if (spec.path.empty())
+    ChildSpec child;
+    child.path = findExecutable("Xvfb");
+    if (child.path.empty())
         return fail(
             "Xvfb could not start: no executable 'Xvfb' on PATH (install the xvfb package)");
 
@@ -221,18 +221,18 @@ bool XServer::start()
     if (serverLog_ >= 0)
         close(serverLog_);
     serverLog_ = memfd_create("olmo-xvfb-log", MFD_CLOEXEC);
-    spec.logFd = serverLog_;
-    spec.inheritFd = fds[1];
+    child.logFd = serverLog_;
+    child.inheritFd = fds[1];
     // GLX is off: nothing here uses GL and loading the software renderer
     // is most of Xvfb's start-up time.  A fixed DPI keeps font scaling
     // independent of the screen size.
-    spec.args = {"-displayfd", "3",        "-screen",    "0",   options_.screen, "-nolisten",
+    child.args = {"-displayfd", "3",        "-screen",    "0",   options_.screen, "-nolisten",
                  "tcp",        "-noreset", "-extension", "GLX", "-dpi",          "96"};
-    spec.args.insert(spec.args.end(), options_.extraArgs.begin(), options_.extraArgs.end());
-    spec.env = currentEnvironment({});
+    child.args.insert(child.args.end(), options_.extraArgs.begin(), options_.extraArgs.end());
+    child.env = currentEnvironment({});
 
     std::string error;
-    serverPid_ = spawn(spec, error);
+    serverPid_ = spawn(child, error);
     close(fds[1]);
     if (serverPid_ < 0) {
         close(fds[0]);
@@ -304,31 +304,31 @@ bool XServer::startWindowManager()
     error_.clear();
     const auto deadline = Clock::now() + options_.startTimeout;
 
-    ChildSpec spec;
-    spec.path = findExecutable("mwm");
-    if (spec.path.empty())
+    ChildSpec child;
+    child.path = findExecutable("mwm");
+    if (child.path.empty())
         return fail("mwm could not start: no executable 'mwm' on PATH (install the mwm package)");
     if (wmLog_ >= 0)
         close(wmLog_);
     wmLog_ = memfd_create("olmo-mwm-log", MFD_CLOEXEC);
-    spec.logFd = wmLog_;
+    child.logFd = wmLog_;
     // Only system defaults plus what is set here: no ~/.mwmrc, ~/.Xdefaults
     // or user resource paths can change how windows are managed.
-    spec.args = {"-display", displayName_,
+    child.args = {"-display", displayName_,
                  "-xrm",     "Mwm*keyboardFocusPolicy: explicit",
                  "-xrm",     "Mwm*interactivePlacement: False",
                  "-xrm",     "Mwm*startupKeyFocus: True",
                  "-xrm",     "Mwm*showFeedback: -all"};
-    spec.env = currentEnvironment({"HOME", "DISPLAY", "XENVIRONMENT", "XAPPLRESDIR",
+    child.env = currentEnvironment({"HOME", "DISPLAY", "XENVIRONMENT", "XAPPLRESDIR",
                                    "XUSERFILESEARCHPATH", "XFILESEARCHPATH"});
-    spec.env.push_back("HOME=/nonexistent");
+    child.env.push_back("HOME=/nonexistent");
     // mwm acts on SIGTERM only when an X event next wakes it, so it is
     // killed outright; it keeps no state worth a clean exit.
-    spec.deathSignal = SIGKILL;
-    spec.env.push_back("DISPLAY=" + displayName_);
+    child.deathSignal = SIGKILL;
+    child.env.push_back("DISPLAY=" + displayName_);
 
     std::string error;
-    wmPid_ = spawn(spec, error);
+    wmPid_ = spawn(child, error);
     if (wmPid_ < 0)
         return fail("mwm could not start: " + error);
     if (waitForWindowManager(deadline))
