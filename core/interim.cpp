@@ -416,19 +416,21 @@ void registerGraphicsHooks()
 }  // namespace om::core
 
 // ---------------------------------------------------------------------------
-// Pumping X before the message loop exists: dispatches what is pending,
-// runs the idle drain, and otherwise waits up to waitMs for the server.
-// Main thread.  Returns how many items were dispatched.
+// Pumping X before the message loop exists: the message subsystem's pump
+// translates what is pending and runs the idle drain; otherwise waits up
+// to waitMs for the server.  Main thread.  Returns how many X events were
+// routed.
+
+extern "C" int omProcessXEvents(XEvent *event);
 
 extern "C" OLMO_API int omPumpXEvents(unsigned waitMs)
 {
     if (!omAppContext || !omDisplay)
         return 0;
     int n = 0;
-    while (n < 1000 && XtAppPending(omAppContext)) {
-        XtAppProcessEvent(omAppContext, XtIMAll);
-        ++n;
-    }
+    // Each call stops after one key event or at the wake pipe.
+    for (int calls = 0; calls < 1000 && XtAppPending(omAppContext); ++calls)
+        n += omProcessXEvents(nullptr);
     omRunIdleDrain();
     if (!n && waitMs) {
         pollfd fd{ConnectionNumber(omDisplay), POLLIN, 0};

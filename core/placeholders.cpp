@@ -5,7 +5,5 @@
 
 #include "kernel/omplaceholder.h"
 
-// The X event translation selects each window's input.
-OM_PLACEHOLDER_VOID(omSelectInputs, (HWND))
 // The system menu of a top-level window.
 OM_PLACEHOLDER_VOID(omSysMenuInit, (HWND))

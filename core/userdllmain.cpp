@@ -28,6 +28,8 @@ void omMsgQExtraCleanUp(HANDLE thread);
 BOOL omPostMessageEvent(HWND, UINT, WPARAM, LPARAM, const XEvent *, HANDLE, int);
 BOOL omIsMsgAvailable(UINT flags);
 void omUpdateCriticalVirtKeys(void);
+int omBorderWidth(const WindowRecord *record);
+int omCaptionHeight(const WindowRecord *record);
 }
 
 namespace {
@@ -90,6 +92,8 @@ void initExports()
     put(OM_UE_omPostMessageEvent, &omPostMessageEvent);
     put(OM_UE_omIsMsgAvailable, &omIsMsgAvailable);
     put(OM_UE_omUpdateCriticalVirtKeys, &omUpdateCriticalVirtKeys);
+    put(OM_UE_omBorderWidth, &omBorderWidth);
+    put(OM_UE_omCaptionHeight, &omCaptionHeight);
     _omUSER_exports_init(table);
 }
 

@@ -262,7 +262,9 @@ OLMO_API void omHideWindow(HWND hwnd);
 // canvas widget's size as last set or reported, never asked of the server.
 OLMO_API BOOL omWindowClientRect(HWND hwnd, RECT *rect);
 
-// Provided by later subsystems (registered placeholders until then).
+// Provided by later subsystems: omSelectInputs by the X event
+// translation (messages/), omSysMenuInit by the menus (a registered
+// placeholder until then).
 void WINAPI omSelectInputs(HWND hwnd);
 void WINAPI omSysMenuInit(HWND hwnd);
 
