@@ -3,6 +3,7 @@
 // and head insertion, the main thread's wake pipe and heartbeat, the queue
 // probe and the thread's ring of recently retrieved messages.
 #include "messages/ommessageq.h"
+#include "messages/omtimer.h"
 
 #include "core/omwindow.h"
 #include "kernel/omdiag.h"
@@ -40,6 +41,7 @@ struct ThreadQueue {
     OmMsgRecord *freeList = nullptr;
     OmMsgRecord *head = nullptr;
     OmMsgRecord **tail = &head;
+    OmTimerMsgList timerMsgs{};  // pending WM_TIMER items, under lock too
     unsigned capacity = 0;
     time_t lastShrink = 0;
     bool warnedExhausted = false;
@@ -303,6 +305,11 @@ extern "C" OLMO_API void omMsgQExtraCleanUp(HANDLE thread)
     for (int fd : q->wakePipe)
         if (fd >= 0)
             close(fd);
+    for (OmTimerMsgItem *i = q->timerMsgs.first; i;) {
+        OmTimerMsgItem *next = i->next;
+        std::free(i);
+        i = next;
+    }
     std::free(q->pool);
     delete q;
 }
@@ -317,6 +324,9 @@ extern "C" OLMO_API BOOL omPostMessageEvent(HWND hwnd, UINT message, WPARAM wPar
         return FALSE;
     if (message == WM_PAINT && hwnd)
         return InvalidateRect(hwnd, nullptr, FALSE);
+    // Timer messages wait in their own list, coalesced per window and id.
+    if (message == WM_TIMER)
+        return omTimerAddMsg(hwnd, wParam, lParam);
     OmThreadRecord *owner = nullptr;
     ThreadQueue *q = targetQueue(hwnd, thread, byThread, &owner);
     if (!q)
@@ -412,6 +422,8 @@ extern "C" OLMO_API BOOL omIsMsgAvailable(UINT flags)
             return FALSE;
     }
     std::lock_guard<std::mutex> guard(q->lock);
+    if (q->timerMsgs.cursor && (any || (flags & QS_TIMER)))
+        return TRUE;
     for (OmMsgRecord *r = q->head; r; r = r->link) {
         // Retrieval drops messages of dead windows; so does the probe.
         if (r->hwnd && !omIsWindow(r->hwnd))
@@ -472,6 +484,23 @@ extern "C" OLMO_API DWORD omLastMessageTime(void)
 {
     ThreadQueue *q = currentQueue();
     return q ? q->lastTime : 0;
+}
+
+extern "C" OLMO_API void omLastMessagePos(int *x, int *y)
+{
+    ThreadQueue *q = currentQueue();
+    *x = q ? q->lastX : 0;
+    *y = q ? q->lastY : 0;
+}
+
+extern "C" OLMO_API int omWithTimerMsgList(OmThreadRecord *thread,
+                                           int (*fn)(OmTimerMsgList *, void *), void *context)
+{
+    ThreadQueue *q = queueOf(thread);
+    if (!q)
+        return -1;
+    std::lock_guard<std::mutex> guard(q->lock);
+    return fn(&q->timerMsgs, context);
 }
 
 extern "C" OLMO_API void omUpdateCriticalVirtKeys(void)
@@ -634,10 +663,24 @@ extern "C" OLMO_API int omTestTakeMessage(HANDLE thread, OmMsgRecord *out)
     ThreadQueue *q = thread ? queueOfHandle(thread) : currentQueue();
     if (!q)
         return FALSE;
-    std::lock_guard<std::mutex> guard(q->lock);
+    std::unique_lock<std::mutex> guard(q->lock);
     OmMsgRecord *r = q->head;
-    if (!r)
-        return FALSE;
+    if (!r) {
+        guard.unlock();
+        MSG m;
+        if (!omTestTakeTimerMessage(thread, &m))
+            return FALSE;
+        *out = OmMsgRecord{};
+        out->hwnd = m.hwnd;
+        out->message = m.message;
+        out->wParam = m.wParam;
+        out->lParam = m.lParam;
+        out->time = m.time;
+        out->x = m.pt.x;
+        out->y = m.pt.y;
+        out->event.type = kOmNoXEvent;
+        return TRUE;
+    }
     q->head = r->link;
     if (!q->head)
         q->tail = &q->head;

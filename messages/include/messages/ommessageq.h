@@ -31,6 +31,29 @@ struct OmMsgRecord {
     HANDLE originThread;  // the thread a by-thread post named, else 0
 };
 
+struct OmThreadRecord;
+
+// A pending WM_TIMER of a thread, kept apart from the posted queue so that
+// at most one waits per window and timer id (see omtimer.h).
+struct OmTimerMsgItem {
+    OmTimerMsgItem *prev;
+    OmTimerMsgItem *next;
+    HWND hwnd;
+    UINT_PTR id;
+    LPARAM lParam;
+    int x;
+    int y;
+    DWORD time;
+};
+
+// cursor is the item retrieval looks at next; it wraps so that the timers
+// of a thread are served in turn.
+struct OmTimerMsgList {
+    OmTimerMsgItem *cursor;
+    OmTimerMsgItem *first;
+    OmTimerMsgItem *last;
+};
+
 extern "C" {
 
 // Records of the main thread's pool and its growth step; the same for
@@ -61,6 +84,13 @@ OLMO_API int omMsgMRUSearch(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPara
 // retrieval from the message it hands out.
 OLMO_API void omSetLastMessageState(int x, int y, DWORD time);
 OLMO_API DWORD omLastMessageTime(void);
+OLMO_API void omLastMessagePos(int *x, int *y);
+
+// Runs fn on the thread's pending timer messages under its queue lock, so
+// that another thread may append while the owner takes.  -1 when the
+// thread has no queue, else what fn returned.
+OLMO_API int omWithTimerMsgList(OmThreadRecord *thread, int (*fn)(OmTimerMsgList *, void *),
+                                void *context);
 
 // Root-window broadcasts to every process of the toolkit on the display.
 // type is _omPostMessageAtom or _omSendMessageAtom.
@@ -76,7 +106,12 @@ OLMO_API int _omDeliveringSettingsChange(void);
 #ifdef OLMO_MESSAGES_TEST_ACCESS
 // Test builds only, until retrieval exists: take the first queued record
 // of a thread (0: the caller) into out; false when the queue is empty.
+// When no record is queued, the next pending WM_TIMER is taken instead,
+// in the order retrieval serves its sources.
 OLMO_API int omTestTakeMessage(HANDLE thread, OmMsgRecord *out);
+// Takes the thread's next pending WM_TIMER (0: the caller) the way
+// retrieval will, without a window filter; false when none waits.
+OLMO_API int omTestTakeTimerMessage(HANDLE thread, MSG *out);
 // Records in the thread's pool, and how often its wake pipe was drained.
 OLMO_API unsigned omTestQueueCapacity(HANDLE thread);
 OLMO_API unsigned omTestWakeCount(void);
