@@ -607,10 +607,15 @@ static int setMode(HDC hdc, int DcState::*field, int mode, int lo, int hi)
     return old;
 }
 
-static int getMode(HDC hdc, int DcState::*field)
+template <class T> static T getField(HDC hdc, T DcState::*field, T failure)
 {
     DcRecord *dc = dcRecord(hdc);
-    return dc ? dc->st.*field : 0;
+    return dc ? dc->st.*field : failure;
+}
+
+static int getMode(HDC hdc, int DcState::*field)
+{
+    return getField(hdc, field, 0);
 }
 
 extern "C" COLORREF WINAPI SetTextColor(HDC hdc, COLORREF value)
@@ -620,8 +625,7 @@ extern "C" COLORREF WINAPI SetTextColor(HDC hdc, COLORREF value)
 
 extern "C" COLORREF WINAPI GetTextColor(HDC hdc)
 {
-    DcRecord *dc = dcRecord(hdc);
-    return dc ? dc->st.textColor : COLORREF(CLR_INVALID);
+    return getField(hdc, &DcState::textColor, COLORREF(CLR_INVALID));
 }
 
 extern "C" COLORREF WINAPI SetBkColor(HDC hdc, COLORREF value)
@@ -631,8 +635,7 @@ extern "C" COLORREF WINAPI SetBkColor(HDC hdc, COLORREF value)
 
 extern "C" COLORREF WINAPI GetBkColor(HDC hdc)
 {
-    DcRecord *dc = dcRecord(hdc);
-    return dc ? dc->st.bkColor : COLORREF(CLR_INVALID);
+    return getField(hdc, &DcState::bkColor, COLORREF(CLR_INVALID));
 }
 
 extern "C" COLORREF WINAPI SetDCBrushColor(HDC hdc, COLORREF value)
@@ -642,8 +645,7 @@ extern "C" COLORREF WINAPI SetDCBrushColor(HDC hdc, COLORREF value)
 
 extern "C" COLORREF WINAPI GetDCBrushColor(HDC hdc)
 {
-    DcRecord *dc = dcRecord(hdc);
-    return dc ? dc->st.dcBrushColor : COLORREF(CLR_INVALID);
+    return getField(hdc, &DcState::dcBrushColor, COLORREF(CLR_INVALID));
 }
 
 extern "C" COLORREF WINAPI SetDCPenColor(HDC hdc, COLORREF value)
@@ -653,8 +655,7 @@ extern "C" COLORREF WINAPI SetDCPenColor(HDC hdc, COLORREF value)
 
 extern "C" COLORREF WINAPI GetDCPenColor(HDC hdc)
 {
-    DcRecord *dc = dcRecord(hdc);
-    return dc ? dc->st.dcPenColor : COLORREF(CLR_INVALID);
+    return getField(hdc, &DcState::dcPenColor, COLORREF(CLR_INVALID));
 }
 
 extern "C" UINT WINAPI SetTextAlign(HDC hdc, UINT value)
@@ -664,8 +665,7 @@ extern "C" UINT WINAPI SetTextAlign(HDC hdc, UINT value)
 
 extern "C" UINT WINAPI GetTextAlign(HDC hdc)
 {
-    DcRecord *dc = dcRecord(hdc);
-    return dc ? dc->st.textAlign : UINT(GDI_ERROR);
+    return getField(hdc, &DcState::textAlign, UINT(GDI_ERROR));
 }
 
 
