@@ -143,8 +143,13 @@ BOOL destroyWindow(HWND hwnd, bool notifyParent)
     dropPendingEvents(w.frameWidget);
     if (w.canvasWidget != w.frameWidget)
         dropPendingEvents(w.canvasWidget);
-    // FIXME: the window's queued messages, paint entries and timers are
-    // removed here as each of those lists lands.
+    // Its paint entry and lite children go now, while the handle still
+    // names this window; a slot handed out again must not inherit them.
+    omPaintDeleteItem(hwnd);
+    omPaintDeleteLiteKid(hwnd);
+    omPaintCleanAll(hwnd);
+    // FIXME: the window's queued messages and timers are removed here as
+    // those lists learn to forget a window.
     uint32_t index = omHandleIndex(omHandleValue(hwnd));
     if (omIsUserInterfaceThreadSupported()) {
         // Other threads may still hold the record: it stops being a window

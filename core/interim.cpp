@@ -357,25 +357,6 @@ BOOL hookPaintTarget(HWND hwnd, BOOL whole, OmPaintTarget *t)
     return TRUE;
 }
 
-BOOL hookTakeUpdateRegion(HWND hwnd, HRGN updateRgn, BOOL *erase)
-{
-    WindowRecord *w = omWindowRecord(hwnd);
-    if (!w)
-        return FALSE;
-    if (erase)
-        *erase = w->erasePending;
-    w->erasePending = false;
-    XRectangle box{};
-    if (w->updateRegion) {
-        XClipBox(w->updateRegion, &box);
-        XDestroyRegion(w->updateRegion);
-        w->updateRegion = XCreateRegion();
-    }
-    if (updateRgn)
-        SetRectRgn(updateRgn, box.x, box.y, box.x + box.width, box.y + box.height);
-    return TRUE;
-}
-
 UINT hookClassStyle(HWND hwnd)
 {
     WindowRecord *w = omWindowRecord(hwnd);
@@ -405,7 +386,7 @@ void registerGraphicsHooks()
     hooks.getWindowRect = hookWindowRect;
     hooks.getClientOrigin = hookClientOrigin;
     hooks.getPaintTarget = hookPaintTarget;
-    hooks.takeUpdateRegion = hookTakeUpdateRegion;
+    hooks.takeUpdateRegion = omPaintTakeUpdateRegion;
     hooks.getClassStyle = hookClassStyle;
     hooks.getClassBrush = hookClassBrush;
     hooks.sendEraseBackground = hookEraseBackground;

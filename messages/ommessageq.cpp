@@ -42,6 +42,7 @@ struct ThreadQueue {
     OmMsgRecord *head = nullptr;
     OmMsgRecord **tail = &head;
     OmTimerMsgList timerMsgs{};  // pending WM_TIMER items, under lock too
+    OmPaintList paint{};         // windows waiting for WM_PAINT, under lock too
     unsigned capacity = 0;
     time_t lastShrink = 0;
     bool warnedExhausted = false;
@@ -305,6 +306,11 @@ extern "C" OLMO_API void omMsgQExtraCleanUp(HANDLE thread)
     for (int fd : q->wakePipe)
         if (fd >= 0)
             close(fd);
+    for (OmPaintItem *i = q->paint.first; i;) {
+        OmPaintItem *next = i->next;
+        std::free(i);
+        i = next;
+    }
     for (OmTimerMsgItem *i = q->timerMsgs.first; i;) {
         OmTimerMsgItem *next = i->next;
         std::free(i);
@@ -501,6 +507,31 @@ extern "C" OLMO_API int omWithTimerMsgList(OmThreadRecord *thread,
         return -1;
     std::lock_guard<std::mutex> guard(q->lock);
     return fn(&q->timerMsgs, context);
+}
+
+extern "C" OLMO_API int omWithPaintList(OmThreadRecord *thread, int (*fn)(OmPaintList *, void *),
+                                        void *context)
+{
+    ThreadQueue *q = queueOf(thread);
+    if (!q)
+        return -1;
+    std::lock_guard<std::mutex> guard(q->lock);
+    return fn(&q->paint, context);
+}
+
+extern "C" OLMO_API void omWakeQueueOwner(OmThreadRecord *thread, UINT message)
+{
+    ThreadQueue *q = queueOf(thread);
+    if (!q)
+        return;
+    if (q->isMain) {
+        if (callerIsMain())
+            return;  // the main thread is awake: it is the caller
+        std::lock_guard<std::mutex> guard(q->lock);
+        wakeMain(q, 5);
+        return;
+    }
+    omWaitQueueMsgSignal(thread->threadId, message);
 }
 
 extern "C" OLMO_API void omUpdateCriticalVirtKeys(void)

@@ -267,6 +267,12 @@ OLMO_API BOOL omWindowClientRect(HWND hwnd, RECT *rect);
 // placeholder until then).
 void WINAPI omSelectInputs(HWND hwnd);
 void WINAPI omSysMenuInit(HWND hwnd);
+// The paint queue (messages/): what BeginPaint takes, and forgetting a
+// window being destroyed.
+OLMO_API BOOL omPaintTakeUpdateRegion(HWND hwnd, HRGN updateRgn, BOOL *erase);
+OLMO_API BOOL omPaintDeleteItem(HWND hwnd);
+OLMO_API BOOL omPaintDeleteLiteKid(HWND child);
+OLMO_API void omPaintCleanAll(HWND hwnd);
 
 // Top-level windows.
 OLMO_API extern int first_appshell_created_yet;

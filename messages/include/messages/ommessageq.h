@@ -54,6 +54,23 @@ struct OmTimerMsgList {
     OmTimerMsgItem *last;
 };
 
+// A window waiting for WM_PAINT in its thread's paint list (at most once).
+struct OmPaintItem {
+    HWND hwnd;
+    OmPaintItem *next;
+    OmPaintItem *prev;
+};
+
+// cursor is where retrieval looks next; savedCursor is kept while a
+// filtered search goes round the list.
+struct OmPaintList {
+    OmPaintItem *first;
+    OmPaintItem *cursor;
+    OmPaintItem *last;
+    OmPaintItem *savedCursor;
+    unsigned scans;  // good windows handed out; every 50th cleans the list
+};
+
 extern "C" {
 
 // Records of the main thread's pool and its growth step; the same for
@@ -92,6 +109,16 @@ OLMO_API void omLastMessagePos(int *x, int *y);
 OLMO_API int omWithTimerMsgList(OmThreadRecord *thread, int (*fn)(OmTimerMsgList *, void *),
                                 void *context);
 
+// Runs fn on the thread's paint list under its queue lock.  The lock also
+// guards the update regions of the thread's windows, which any thread may
+// invalidate.  -1 when the thread has no queue, else what fn returned.
+OLMO_API int omWithPaintList(OmThreadRecord *thread, int (*fn)(OmPaintList *, void *),
+                             void *context);
+// Wakes the thread for work another thread gave it (a paint or timer
+// message): the main thread through its wake pipe, others through their
+// wait.
+OLMO_API void omWakeQueueOwner(OmThreadRecord *thread, UINT message);
+
 // Root-window broadcasts to every process of the toolkit on the display.
 // type is _omPostMessageAtom or _omSendMessageAtom.
 OLMO_API BOOL _omBroadcastMessage(Atom type, UINT message, WPARAM wParam, LPARAM lParam);
@@ -120,3 +147,14 @@ OLMO_API void omTestSetQueueClock(time_t (*clock)(void));
 #endif
 
 }  // extern "C"
+
+namespace om::messages {
+// omWithPaintList for a lambda taking OmPaintList &.
+template <class F> int withPaintList(OmThreadRecord *thread, F &&f)
+{
+    return omWithPaintList(
+        thread,
+        [](OmPaintList *list, void *c) -> int { return (*static_cast<F *>(c))(*list); },
+        static_cast<void *>(&f));
+}
+}  // namespace om::messages
