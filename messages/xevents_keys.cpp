@@ -1,7 +1,7 @@
 // Key events into key messages: the virtual key and lParam bits of a
-// KeyPress or KeyRelease, the system-key rules, Shift+F10 and F1, the key
-// state array, and keybd_event, which goes through the server's XTest
-// extension so that the event arrives as real device input would.
+// KeyPress or KeyRelease, the system-key rules, Shift+F10 and F1, list
+// boxes that ask their parent first, the key state array, and keybd_event,
+// which goes through XTest so that the event arrives as device input would.
 #include "messages/xevents.h"
 
 #include "core/omwindow.h"
@@ -21,42 +21,21 @@
 namespace om::messages {
 namespace {
 
-// The window that takes the key messages: hwnd itself, or for a disabled
-// child the nearest enabled ancestor; null when the window is cut off by a
-// disabled top-level ancestor.
-HWND keyTarget(HWND hwnd)
+// A list box that wants the keyboard lets its parent act on a key first:
+// the parent hears the key and the caret item and may answer -2 to have
+// the key dropped.
+bool listBoxTakesKey(HWND hwnd, const WindowRecord &w, unsigned vk)
 {
-    HWND target = hwnd;
-    bool disabled = false;
-    for (HWND h = hwnd; h;) {
-        WindowRecord *w = omWindowRecord(h);
-        if (!w)
-            break;
-        if (w->style & WS_DISABLED) {
-            disabled = true;
-            target = nullptr;
-        } else if (disabled && !target) {
-            target = h;
-        }
-        if (!(w->style & WS_CHILD))
-            break;
-        h = w->parent;
-    }
-    if (!disabled)
-        return hwnd;
-    // An enabled window above a disabled one still has a disabled
-    // ancestor of its own when the chain ended disabled.
-    for (HWND h = target; h;) {
-        WindowRecord *w = omWindowRecord(h);
-        if (!w)
-            break;
-        if (w->style & WS_DISABLED)
-            return nullptr;
-        if (!(w->style & WS_CHILD))
-            break;
-        h = w->parent;
-    }
-    return target;
+    if (w.kind != OM_WK_LISTBOX || !(w.style & LBS_WANTKEYBOARDINPUT) || !w.parent)
+        return false;
+    HWND parent = w.parent;
+    auto caret = static_cast<WORD>(SendMessageA(hwnd, LB_GETCARETINDEX, 0, 0));
+    if (!omIsWindow(hwnd) || !omIsWindow(parent))
+        return true;
+    UINT ask = (w.style & LBS_HASSTRINGS) ? WM_VKEYTOITEM : WM_CHARTOITEM;
+    LRESULT answer =
+        SendMessageA(parent, ask, MAKEWPARAM(vk, caret), reinterpret_cast<LPARAM>(hwnd));
+    return answer == -2 || !omIsWindow(hwnd);
 }
 
 bool frameBusy(const WindowRecord &w)
@@ -86,7 +65,7 @@ void updateKeyState(unsigned keysym, unsigned vk, bool press, HWND hwnd)
             omVirKeyState[vk] ^= 1;
         return;
     }
-    if (vk == VK_F1 && press)
+    if (vk == VK_F1 && press && omIsWindow(hwnd))
         SendMessageA(hwnd, WM_HELP, 0, 0);
     if (vk <= 0x100)
         omVirKeyState[vk] = press ? 1 : 0;
@@ -127,10 +106,10 @@ UINT keyMessage(const XKeyEvent &k, unsigned vk, bool press)
     return sys ? WM_SYSKEYUP : WM_KEYUP;
 }
 
-void translateKey(HWND hwnd, XEvent &ev)
+void translateKey(HWND hwnd, XEvent &ev, const InputRoute &route)
 {
     WindowRecord *w = omWindowRecord(hwnd);
-    if (!w)
+    if (!w || route.kind == InputRoute::Drop)
         return;
     XKeyEvent &k = ev.xkey;
     bool press = ev.type == KeyPress;
@@ -151,17 +130,20 @@ void translateKey(HWND hwnd, XEvent &ev)
             XtDispatchEvent(&ev);
         return;
     }
-    HWND target = keyTarget(hwnd);
-    if (!target)
-        return;
+    HWND target = route.kind == InputRoute::Redirect ? route.target : hwnd;
     if (press && vk == VK_F10 && (k.state & omShiftMask)) {
         POINT p = clientOriginOnScreen(*w);
         SendMessageA(hwnd, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(hwnd), MAKELPARAM(p.x, p.y));
+        if (!omIsWindow(hwnd))
+            return;
     }
     bool wasDown = vk <= 0x100 && omVirKeyState[vk];
-    omPostMessageEvent(target, keyMessage(k, vk, press), vk,
-                       keyLParam(k, keysym, vk, press, wasDown), &ev, nullptr, 0);
-    updateKeyState(keysym, vk, press, hwnd);
+    // A dropped key still went down: the key state follows the keyboard.
+    bool dropped = press && route.kind == InputRoute::Normal && listBoxTakesKey(hwnd, *w, vk);
+    if (!dropped && omIsWindow(target))
+        omPostMessageEvent(target, keyMessage(k, vk, press), vk,
+                           keyLParam(k, keysym, vk, press, wasDown), &ev, nullptr, 0);
+    updateKeyState(keysym, vk, press, dropped ? nullptr : target);
 }
 
 }  // namespace om::messages

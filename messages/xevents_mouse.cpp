@@ -1,7 +1,7 @@
-// Pointer events into mouse messages: presses and releases with the
-// double-click machine, compressed motion, the wheel (one WM_MOUSEWHEEL
-// or WM_MOUSEHWHEEL per notch, never a click), WM_SETCURSOR after a
-// button, and mouse_event through the server's XTest extension.
+// Pointer events into mouse messages: where a window's input goes (itself,
+// a disabled child's enabled ancestor, or nowhere), presses and releases
+// with the double-click machine, compressed motion, the wheel (one message
+// per notch, never a click), WM_SETCURSOR, and mouse_event through XTest.
 #include "messages/xevents.h"
 
 #include "core/omwindow.h"
@@ -15,6 +15,9 @@
 #include <X11/extensions/XTest.h>
 
 #include <cstdlib>
+
+extern "C" void WINAPI omPostMouseInputWhileDisabled(HWND target, UINT message, WPARAM wParam,
+                                                     LPARAM lParam);
 
 namespace om::messages {
 namespace {
@@ -48,23 +51,6 @@ bool isWheel(unsigned button)
     return button >= 4 && button <= 7;
 }
 
-// A window cut off by a disabled window of its own chain takes no mouse
-// input.
-bool mouseBlocked(HWND hwnd)
-{
-    for (HWND h = hwnd; h;) {
-        WindowRecord *w = omWindowRecord(h);
-        if (!w)
-            return true;
-        if (w->style & WS_DISABLED)
-            return true;
-        if (!(w->style & WS_CHILD))
-            return w->blockedByModal;
-        h = w->parent;
-    }
-    return false;
-}
-
 // The event's point in the window's client area.
 void clientPoint(const WindowRecord &w, Window from, int &x, int &y)
 {
@@ -74,19 +60,40 @@ void clientPoint(const WindowRecord &w, Window from, int &x, int &y)
     XTranslateCoordinates(omDisplay, from, XtWindow(w.canvasWidget), x, y, &x, &y, &child);
 }
 
-void postSetCursor(HWND hwnd, const WindowRecord &w, XEvent &ev, UINT buttonMessage)
-{
-    bool inCanvas = w.canvasWidget && XtWindow(w.canvasWidget) == ev.xany.window;
-    omPostMessageEvent(hwnd, WM_SETCURSOR, reinterpret_cast<WPARAM>(hwnd),
-                       MAKELPARAM(inCanvas ? HTCLIENT : 0, buttonMessage), &ev, nullptr, 0);
-}
-
 bool ownedByCaller(const WindowRecord &w)
 {
     return omThreadRecordFromHandle(w.thread) == omCurrentThreadRecord();
 }
 
-void wheel(HWND hwnd, XEvent &ev)
+// The combo box whose edit field hwnd is: the combo box drives its edit
+// field's selection and drop-down from the field's mouse input.
+HWND comboOfEdit(HWND hwnd)
+{
+    WindowRecord *w = omWindowRecord(hwnd);
+    if (!w || w->kind != OM_WK_EDIT || !(w->style & WS_CHILD))
+        return nullptr;
+    WindowRecord *p = omWindowRecord(w->parent);
+    return p && p->kind == OM_WK_COMBOBOX ? w->parent : nullptr;
+}
+
+// A disabled child's mouse input goes to its enabled ancestor, in that
+// ancestor's client coordinates; a combo box's edit field's to the combo
+// box, in the field's coordinates; everything else is posted with its
+// event.
+void deliver(HWND hwnd, const InputRoute &route, UINT message, WPARAM wParam, int x, int y,
+             const XEvent &ev, bool screenPoint = false)
+{
+    if (route.kind == InputRoute::Redirect) {
+        if (!screenPoint)
+            omTranslateCoords(route.target, hwnd, &x, &y);
+        omPostMouseInputWhileDisabled(route.target, message, wParam, MAKELPARAM(x, y));
+        return;
+    }
+    HWND combo = comboOfEdit(hwnd);
+    omPostMessageEvent(combo ? combo : hwnd, message, wParam, MAKELPARAM(x, y), &ev, nullptr, 0);
+}
+
+void wheel(HWND hwnd, XEvent &ev, const InputRoute &route)
 {
     if (ev.type != ButtonPress)
         return;
@@ -94,12 +101,48 @@ void wheel(HWND hwnd, XEvent &ev)
     bool horizontal = b.button >= 6;
     int delta = (b.button == 4 || b.button == 7) ? WHEEL_DELTA : -WHEEL_DELTA;
     WPARAM keys = mouseKeyState(b.state);
-    omPostMessageEvent(hwnd, horizontal ? WM_MOUSEHWHEEL : WM_MOUSEWHEEL,
-                       MAKEWPARAM(keys, static_cast<WORD>(delta)),
-                       MAKELPARAM(b.x_root, b.y_root), &ev, nullptr, 0);
+    deliver(hwnd, route, horizontal ? WM_MOUSEHWHEEL : WM_MOUSEWHEEL,
+            MAKEWPARAM(keys, static_cast<WORD>(delta)), b.x_root, b.y_root, ev, true);
+}
+
+// Whether the window or an ancestor up to its top-level window is
+// disabled, or the top-level window is cut off by a modal dialog.
+bool cutOff(HWND hwnd)
+{
+    for (HWND h = hwnd; h;) {
+        WindowRecord *w = omWindowRecord(h);
+        if (!w || (w->style & WS_DISABLED))
+            return true;
+        if (!(w->style & WS_CHILD))
+            return w->blockedByModal;
+        h = w->parent;
+    }
+    return false;
 }
 
 }  // namespace
+
+InputRoute inputRoute(HWND hwnd, const XEvent &ev)
+{
+    WindowRecord *w = omWindowRecord(hwnd);
+    if (!w)
+        return {InputRoute::Drop, nullptr};
+    // Climb over the disabled children the event started in: the first
+    // window above them takes their input when nothing cuts it off.
+    HWND h = hwnd;
+    while (w && (w->style & (WS_DISABLED | WS_CHILD)) == (WS_DISABLED | WS_CHILD)) {
+        h = w->parent;
+        w = omWindowRecord(h);
+    }
+    if (h != hwnd && w && !cutOff(h))
+        return {InputRoute::Redirect, h};
+    if (!cutOff(hwnd))
+        return {};
+    // The window holding the capture still hears the end of its drag.
+    if (ev.type == ButtonRelease && GetCapture() == hwnd)
+        return {};
+    return {InputRoute::Drop, nullptr};
+}
 
 WPARAM mouseKeyState(unsigned state)
 {
@@ -128,16 +171,14 @@ bool isDoubleClick(Time lastTime, unsigned lastButton, int lastX, int lastY, HWN
     return gap < limit && std::abs(x - lastX) <= 3 && std::abs(y - lastY) <= 3;
 }
 
-void translateButton(HWND hwnd, XEvent &ev, int hit, int x, int y)
+void translateButton(HWND hwnd, XEvent &ev, int hit, int x, int y, const InputRoute &route)
 {
     WindowRecord *w = omWindowRecord(hwnd);
-    if (!w)
+    if (!w || route.kind == InputRoute::Drop)
         return;
     XButtonEvent &b = ev.xbutton;
-    if (mouseBlocked(hwnd))
-        return;
     if (isWheel(b.button)) {
-        wheel(hwnd, ev);
+        wheel(hwnd, ev, route);
         return;
     }
     if (hit == -1) {
@@ -150,9 +191,12 @@ void translateButton(HWND hwnd, XEvent &ev, int hit, int x, int y)
         if (b.button > 3)
             return;
         omVirKeyState[info.vk] = 0;
+        if (b.button == 1 && route.kind == InputRoute::Normal && comboOfEdit(hwnd))
+            ReleaseCapture();
         WPARAM keys = mouseKeyState(b.state) & ~info.bit;
-        omPostMessageEvent(hwnd, info.up, keys, MAKELPARAM(x, y), &ev, nullptr, 0);
-        postSetCursor(hwnd, *w, ev, info.up);
+        deliver(hwnd, route, info.up, keys, x, y, ev);
+        if (route.kind == InputRoute::Normal)
+            omProcessPostSetCursor(hwnd, &ev);
         return;
     }
     unsigned button = (b.button == 2 || b.button == 3) ? b.button : 1;
@@ -163,15 +207,19 @@ void translateButton(HWND hwnd, XEvent &ev, int hit, int x, int y)
                              lastPress.hwnd, b.time, button, b.x, b.y, hwnd, omDoubleClickTime);
     if (!dbl)
         omVirKeyState[info.vk] = 1;
+    // The field keeps the pointer while the combo box selects with it.
+    if (button == 1 && route.kind == InputRoute::Normal && comboOfEdit(hwnd))
+        SetCapture(hwnd);
     WPARAM keys = mouseKeyState(b.state) | info.bit;
     UINT message = dbl ? info.dblclk : info.down;
-    omPostMessageEvent(hwnd, message, keys, MAKELPARAM(x, y), &ev, nullptr, 0);
-    postSetCursor(hwnd, *w, ev, info.down);
+    deliver(hwnd, route, message, keys, x, y, ev);
+    if (route.kind == InputRoute::Normal)
+        omProcessPostSetCursor(hwnd, &ev);
     // After a double click nothing is remembered: a third press is single.
     lastPress = {b.time, button, b.x, b.y, dbl ? nullptr : hwnd};
 }
 
-void translateMotion(HWND hwnd, XEvent &ev, int hit, int x, int y)
+void translateMotion(HWND hwnd, XEvent &ev, int hit, int x, int y, const InputRoute &route)
 {
     WindowRecord *w = omWindowRecord(hwnd);
     if (!w)
@@ -180,7 +228,7 @@ void translateMotion(HWND hwnd, XEvent &ev, int hit, int x, int y)
     XEvent newer;
     while (XCheckTypedWindowEvent(omDisplay, ev.xmotion.window, MotionNotify, &newer))
         ev = newer;
-    if (mouseBlocked(hwnd))
+    if (route.kind == InputRoute::Drop)
         return;
     const XMotionEvent &m = ev.xmotion;
     if (hit == -1) {
@@ -189,13 +237,50 @@ void translateMotion(HWND hwnd, XEvent &ev, int hit, int x, int y)
         clientPoint(*w, m.window, x, y);
     }
     // One unretrieved WM_MOUSEMOVE stands for all that follow it.
-    if (ownedByCaller(*w) && omIsMsgAvailable(QS_MOUSEMOVE))
+    if (route.kind == InputRoute::Normal && ownedByCaller(*w) && omIsMsgAvailable(QS_MOUSEMOVE))
         return;
-    omPostMessageEvent(hwnd, WM_MOUSEMOVE, mouseKeyState(m.state), MAKELPARAM(x, y), &ev,
-                       nullptr, 0);
+    deliver(hwnd, route, WM_MOUSEMOVE, mouseKeyState(m.state), x, y, ev);
+}
+
+UINT nonClientPress(HWND hwnd, const XButtonEvent &b)
+{
+    UINT down = WM_NCLBUTTONDOWN, dblclk = WM_NCLBUTTONDBLCLK;
+    unsigned vk = VK_LBUTTON, button = 1;
+    if (b.button == 3) {
+        down = WM_NCRBUTTONDOWN, dblclk = WM_NCRBUTTONDBLCLK, vk = VK_RBUTTON, button = 3;
+    } else if (b.button == 2) {
+        down = WM_NCMBUTTONDOWN, dblclk = WM_NCMBUTTONDBLCLK, vk = VK_MBUTTON, button = 2;
+    }
+    // The frame pairs presses by time alone: the class style and the
+    // distance matter only in the client area.
+    bool dbl = lastPress.hwnd == hwnd && lastPress.button == button && b.time >= lastPress.time &&
+               b.time - lastPress.time <= omDoubleClickTime;
+    omVirKeyState[vk] = 1;
+    lastPress = {b.time, button, b.x, b.y, dbl ? nullptr : hwnd};
+    return dbl ? dblclk : down;
 }
 
 }  // namespace om::messages
+
+extern "C" OLMO_API void omProcessPostSetCursor(HWND hwnd, XEvent *event)
+{
+    WindowRecord *w = omWindowRecord(hwnd);
+    if (!w || !event)
+        return;
+    bool inCanvas = w->canvasWidget && XtWindow(w->canvasWidget) == event->xany.window;
+    UINT button = 0;
+    if (event->type == ButtonPress || event->type == ButtonRelease) {
+        bool press = event->type == ButtonPress;
+        switch (event->xbutton.button) {
+        case 1: button = press ? WM_LBUTTONDOWN : WM_LBUTTONUP; break;
+        case 2: button = press ? WM_MBUTTONDOWN : WM_MBUTTONUP; break;
+        case 3: button = press ? WM_RBUTTONDOWN : WM_RBUTTONUP; break;
+        default: break;
+        }
+    }
+    omPostMessageEvent(hwnd, WM_SETCURSOR, reinterpret_cast<WPARAM>(hwnd),
+                       MAKELPARAM(inCanvas ? HTCLIENT : 0, button), event, nullptr, 0);
+}
 
 // ---------------------------------------------------------------------------
 // Synthetic pointer input through XTest, loaded when first needed.

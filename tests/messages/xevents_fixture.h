@@ -140,6 +140,24 @@ protected:
         return POINT{rx, ry};
     }
 
+    // Events as the server would deliver them to h's canvas, for routing
+    // straight through _omProcessXEvent.
+    XEvent keyEvent(int type, HWND h, KeySym keysym) const
+    {
+        XEvent ev{};
+        ev.xkey = {type, 0, False, omDisplay, canvasWindow(h), DefaultRootWindow(omDisplay), None,
+                   CurrentTime, 0, 0, 0, 0, 0, XKeysymToKeycode(omDisplay, keysym), True};
+        return ev;
+    }
+    XEvent pointerEvent(int type, HWND h, POINT client, unsigned button, Time time) const
+    {
+        POINT s = screenOf(h, client.x, client.y);
+        XEvent ev{};
+        ev.xbutton = {type, 0, False, omDisplay, canvasWindow(h), DefaultRootWindow(omDisplay),
+                      None, time, client.x, client.y, s.x, s.y, 0, button, True};
+        return ev;
+    }
+
     // Everything the main thread's queue holds, oldest first.
     static std::vector<OmMsgRecord> drain()
     {

@@ -20,6 +20,30 @@ OLMO_API int omCaptionHeight(const WindowRecord *record);
 // A ConfigureNotify of the shell of top-level window hwnd.
 OLMO_API void omConfigureNotify(HWND hwnd, XEvent *event);
 
+// The hit-test code (HT*) of a pointer event on the frame of a window that
+// has a sizing border (WS_THICKFRAME, or a tool-bar frame widget): the
+// border strips give the sizing codes, everything else HTCAPTION.
+OLMO_API int omCalculateHitTest(const WindowRecord *record, const XEvent *event);
+
+// Posts WM_SETCURSOR for a button or motion event of hwnd, with the event.
+OLMO_API void omProcessPostSetCursor(HWND hwnd, XEvent *event);
+// Translates (*x, *y) from the client area of from to that of to; nothing
+// happens unless both are live windows with realized canvases.
+OLMO_API void omTranslateCoords(HWND to, HWND from, int *x, int *y);
+// Gives the toolkit a motion event at root point (x, y) on the record's
+// shell widget, so that a child's frame being moved or sized keeps
+// following the pointer.
+OLMO_API void DispatchEventToChild(WindowRecord *record, int x, int y, XEvent *event);
+
+// Serial of the X event last translated into input messages; events made
+// up for the toolkit carry it.
+OLMO_API extern unsigned long XEventSerial;
+// Set while a WM_SIZE that a map of a top-level window caused is sent.
+OLMO_API extern int omWMSizeOnMap;
+// Set while a client press that came through a child's frame widget is
+// translated.
+OLMO_API extern int ombNcCalcHack;
+
 // Routes event first when given, then pumps what the toolkit has pending
 // (at most one key event per call) and runs the idle work.  Main thread.
 // Returns how many X events were routed.
@@ -46,7 +70,14 @@ namespace om::messages {
 // lParam and message of a key event; wasDown is the key's state before it.
 LPARAM keyLParam(const XKeyEvent &key, unsigned keysym, unsigned vk, bool press, bool wasDown);
 UINT keyMessage(const XKeyEvent &key, unsigned vk, bool press);
-void translateKey(HWND hwnd, XEvent &event);
+// Where input for a window goes: to the window itself, redirected to its
+// nearest enabled ancestor (a disabled child), or nowhere.
+struct InputRoute {
+    enum Kind { Normal, Redirect, Drop } kind = Normal;
+    HWND target = nullptr;  // the enabled ancestor of Redirect
+};
+InputRoute inputRoute(HWND hwnd, const XEvent &event);
+void translateKey(HWND hwnd, XEvent &event, const InputRoute &route);
 }  // namespace om::messages
 
 namespace om::messages {
@@ -58,8 +89,20 @@ WPARAM mouseKeyState(unsigned state);
 // away in x and in y.
 OLMO_API bool isDoubleClick(Time lastTime, unsigned lastButton, int lastX, int lastY, HWND lastHwnd,
                    Time time, unsigned button, int x, int y, HWND hwnd, unsigned limit);
-void translateButton(HWND hwnd, XEvent &event, int hit, int x, int y);
-void translateMotion(HWND hwnd, XEvent &event, int hit, int x, int y);
+void translateButton(HWND hwnd, XEvent &event, int hit, int x, int y, const InputRoute &route);
+void translateMotion(HWND hwnd, XEvent &event, int hit, int x, int y, const InputRoute &route);
+// The down or double-click message of a press in the non-client area, by
+// time, button and window alone; remembers the press like a client press.
+UINT nonClientPress(HWND hwnd, const XButtonEvent &press);
+}  // namespace om::messages
+
+namespace om::messages {
+// The router's handling of pointer events of child windows (hit testing,
+// non-client messages, activation and parent notification); each answers
+// true when the event was consumed and must not reach omInputEvent.
+bool routeButtonPress(HWND hwnd, XEvent &event, bool throughFrame);
+bool routeButtonRelease(HWND hwnd, XEvent &event, bool throughFrame);
+bool routeMotion(HWND hwnd, XEvent &event, bool throughFrame);
 }  // namespace om::messages
 
 namespace om::messages {
