@@ -44,6 +44,8 @@ struct OmThreadRecord {
 
     // The user library's queue state for this thread.
     void *userQueue = nullptr;
+    // The user library's socket notification registrations of this thread.
+    void *asyncSelect = nullptr;
 
     // omWaitQueueMsgSignal sets pending and notifies; omWaitQueueMsg waits.
     std::mutex wakeMutex;
