@@ -1,7 +1,6 @@
 // Early slices of other subsystems that a program needs to create, show
-// and destroy a top-level window before those subsystems land: sending as
-// a direct call of the window procedure, the first messages of the default
-// window procedure, showing and hiding top-level windows, the bells, and
+// and destroy a top-level window before those subsystems land: the first
+// messages of the default window procedure, showing and hiding top-level windows, the bells, and
 // the graphics layer's window callbacks.  Each is replaced whole by its
 // owner (messages/, winmgmt/, dialogs/).
 #include "core/omwindow.h"
@@ -18,24 +17,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <poll.h>
-
-// ---------------------------------------------------------------------------
-// Sending.  Registered as a placeholder: it calls the procedure directly,
-// on the caller's thread, without the send protocol between threads.
-
-static OmPlaceholder om_interim_SendMessageA("SendMessageA");
-
-extern "C" LRESULT WINAPI SendMessageA(HWND hWnd, UINT Msg, WPARAM wParam, LPARAM lParam)
-{
-    if (omIsHandleOfKind(omHandleValue(hWnd), OM_KIND_WINDOWLIKE))
-        return 0;
-    if (!omIsWindow(hWnd)) {
-        omDebugWarning(OmDiag::BadWindowHandle, "SendMessage", hWnd);
-        return 0;
-    }
-    WNDPROC proc = ConvertHWNDtoPtr(hWnd)->wndProc;
-    return proc ? proc(hWnd, Msg, wParam, lParam) : 0;
-}
 
 // ---------------------------------------------------------------------------
 // The default window procedure: the messages a top-level window needs.

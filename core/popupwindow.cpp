@@ -84,9 +84,8 @@ void omClose(Widget, XtPointer clientData, XtPointer)
     HWND hwnd = static_cast<HWND>(clientData);
     if (!omIsWindow(hwnd))
         return;
-    // FIXME: posted (PostMessageA) once the message queue lands; sent
-    // meanwhile, which this callback, running from the X event loop, can do.
-    om::core::send(hwnd, WM_SYSCOMMAND, SC_CLOSE, 0);
+    // Posted: the program's loop hands it to the window like any input.
+    PostMessageA(hwnd, WM_SYSCOMMAND, SC_CLOSE, 0);
 }
 
 void omZoom(Widget, XtPointer, XtPointer) {}

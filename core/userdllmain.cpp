@@ -25,11 +25,14 @@ void omInitModifierMasks(void);
 unsigned int XK2VK(KeySym keysym);
 int omInitMsgQ(HANDLE thread);
 void omMsgQExtraCleanUp(HANDLE thread);
+void omCleanupSMSList(HANDLE thread);
 BOOL omPostMessageEvent(HWND, UINT, WPARAM, LPARAM, const XEvent *, HANDLE, int);
 BOOL omIsMsgAvailable(UINT flags);
 void omUpdateCriticalVirtKeys(void);
 int omBorderWidth(const WindowRecord *record);
 int omCaptionHeight(const WindowRecord *record);
+void omCleanupRegisterWindowMessage(void);
+void omAsyncSelectRegisterHooks(void);
 }
 
 namespace {
@@ -89,11 +92,13 @@ void initExports()
     put(OM_UE_XK2VK, &XK2VK);
     put(OM_UE_omInitMsgQ, &omInitMsgQ);
     put(OM_UE_omMsgQExtraCleanUp, &omMsgQExtraCleanUp);
+    put(OM_UE_omCleanupSMSList, &omCleanupSMSList);
     put(OM_UE_omPostMessageEvent, &omPostMessageEvent);
     put(OM_UE_omIsMsgAvailable, &omIsMsgAvailable);
     put(OM_UE_omUpdateCriticalVirtKeys, &omUpdateCriticalVirtKeys);
     put(OM_UE_omBorderWidth, &omBorderWidth);
     put(OM_UE_omCaptionHeight, &omCaptionHeight);
+    put(OM_UE_omCleanupRegisterWindowMessage, &omCleanupRegisterWindowMessage);
     _omUSER_exports_init(table);
 }
 
@@ -144,6 +149,7 @@ extern "C" OLMO_API int _ominit_userdll(void)
         std::puts("DLLTRACE: _ominit_userdll called");
     initExports();
     om::core::registerGraphicsHooks();
+    omAsyncSelectRegisterHooks();
     return 1;
 }
 

@@ -39,7 +39,15 @@ extern "C" OLMO_API WindowRecord *ConvertHWNDtoPtr(HWND hwnd)
 {
     auto *w = static_cast<WindowRecord *>(
         omHandlesTable[omHandleIndex(omHandleValue(hwnd))].record.load(std::memory_order_acquire));
-    if (w && omIsUserInterfaceThreadSupported()) {
+    // The creator and the main thread are never attached: pthread_self is
+    // cheaper than asking who the caller is.
+    static const pthread_t mainPthread = [] {
+        OmThreadRecord *m = omThreadRecordFromHandle(_omThreadMainThread());
+        return m ? m->pthread : pthread_t{};
+    }();
+    if (!w || pthread_equal(w->creator, pthread_self()) || pthread_equal(mainPthread, pthread_self()))
+        return w;
+    if (omIsUserInterfaceThreadSupported()) {
         static const uint64_t mainThread = _omThreadMainThread();
         uint64_t current = omHandleValue(GetCurrentThread());
         if (current != mainThread && current != w->thread)
@@ -300,6 +308,8 @@ extern "C" OLMO_API HWND _omCreateWindowEx(DWORD exStyle, LPCSTR className, LPCS
             !std::strcmp(omServerVendor, "NetManage XoftWare for Windows"))
             w->configured = true;
         w->thread = omHandleValue(GetCurrentThread());
+    w->creator = pthread_self();
+        w->creator = pthread_self();
         w->motionless = motionless != 0;
         w->redraw = true;
         linkWindow(hwnd, *w, parent);
@@ -492,6 +502,7 @@ extern "C" OLMO_API HWND omCreateNonOlmoWindow(Widget widget, int x, int y, int 
     w->exStyle = kOmExNonToolkit;
     w->style = WS_VISIBLE | WS_OVERLAPPEDWINDOW;
     w->thread = omHandleValue(GetCurrentThread());
+    w->creator = pthread_self();
     w->instance = kNonToolkitInstance;
     w->updateRegion = XCreateRegion();
     w->windowClass = c;

@@ -26,6 +26,12 @@ bool isPointerIndex(int index)
 // the thread rule's warning) otherwise.  Other handles fail silently.
 WindowRecord *dataRecord(HWND hwnd, const char *function)
 {
+    // The creating thread passed the thread rule when it made the window
+    // and is never attached to it: window data is its most frequent use,
+    // so it goes straight to the record.
+    WindowRecord *w = omWindowRecord(hwnd);
+    if (w && pthread_equal(w->creator, pthread_self()))
+        return w;
     if (!omThreadRuleOk(function))
         return nullptr;
     return omIsWindow(hwnd) ? ConvertHWNDtoPtr(hwnd) : nullptr;

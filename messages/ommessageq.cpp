@@ -4,6 +4,7 @@
 // probe and the thread's ring of recently retrieved messages.
 #include "messages/ommessageq.h"
 #include "messages/omtimer.h"
+#include "messages/omasyncselect.h"
 
 #include "core/omwindow.h"
 #include "kernel/omdiag.h"
@@ -43,6 +44,8 @@ struct ThreadQueue {
     OmMsgRecord **tail = &head;
     OmTimerMsgList timerMsgs{};  // pending WM_TIMER items, under lock too
     OmPaintList paint{};         // windows waiting for WM_PAINT, under lock too
+    std::atomic<unsigned> queued{0};  // records in the queue, read without the lock
+    OmSendState *send = nullptr;      // from the pool below, never freed
     unsigned capacity = 0;
     time_t lastShrink = 0;
     bool warnedExhausted = false;
@@ -77,6 +80,45 @@ time_t queueClock()
     if (auto c = g_clock.load(std::memory_order_acquire))
         return c();
     return time(nullptr);
+}
+
+// Send states outlive their threads: a sender may still hold the state of
+// a receiver that has just ended (to read its answer under that state's
+// lock), so states go back to this pool, not to the heap, and serve the
+// next thread.  The pool holds at most as many as threads ever ran at once.
+// Never destroyed: threads may still end while the process exits.
+std::mutex &g_sendPoolLock = *new std::mutex;
+std::vector<OmSendState *> &g_sendPool = *new std::vector<OmSendState *>;
+
+OmSendState *takeSendState()
+{
+    {
+        std::lock_guard<std::mutex> g(g_sendPoolLock);
+        if (!g_sendPool.empty()) {
+            OmSendState *s = g_sendPool.back();
+            g_sendPool.pop_back();
+            return s;
+        }
+    }
+    return new OmSendState;
+}
+
+void giveBackSendState(OmSendState *s)
+{
+    {
+        std::lock_guard<std::mutex> g(s->lock);
+        s->first = s->last = nullptr;
+        s->pending.store(false, std::memory_order_relaxed);
+    }
+    {
+        std::lock_guard<std::mutex> g(s->eventLock);
+        s->eventSignalled = false;
+    }
+    s->current = s->awaited = nullptr;
+    s->result = 0;
+    s->inSendMessage = 0;
+    std::lock_guard<std::mutex> g(g_sendPoolLock);
+    g_sendPool.push_back(s);
 }
 
 ThreadQueue *queueOf(OmThreadRecord *t)
@@ -189,8 +231,8 @@ OmMsgRecord *takeFree(ThreadQueue *q, const char *function)
     return r;
 }
 
-// Lock held.  One byte per wait: the reader clears wakePending before it
-// drains, so a post racing with the drain writes again.
+// Lock held.  One byte per wait: wakePending stays set until the reader
+// has drained the pipe.
 void wakeMain(ThreadQueue *q, int retries)
 {
     if (q->wakePipe[1] < 0 || q->wakePending.exchange(true, std::memory_order_acq_rel))
@@ -207,10 +249,14 @@ void wakeMain(ThreadQueue *q, int retries)
 void threadInput(XtPointer closure, int *fd, XtInputId *)
 {
     auto *q = static_cast<ThreadQueue *>(closure);
+    // Clear, then take the one byte the set flag stood for.  A post
+    // between the two sets the flag again and writes its own byte, which
+    // stays for the next round: taking every byte here could take that one
+    // too and leave the flag set over an empty pipe, after which no post
+    // would write again.
     q->wakePending.exchange(false, std::memory_order_acq_rel);
-    char buf[64];
-    while (read(*fd, buf, sizeof buf) > 0) {
-    }
+    char byte;
+    (void)!read(*fd, &byte, 1);
     g_wakeCount.fetch_add(1, std::memory_order_relaxed);
 }
 
@@ -280,6 +326,7 @@ extern "C" OLMO_API int omInitMsgQ(HANDLE thread)
                                  reinterpret_cast<XtPointer>(XtInputReadMask), threadInput, q);
         q->heartbeat = XtAppAddTimeOut(omAppContext, 10, heartbeat, q);
     }
+    q->send = takeSendState();
     t->userQueue = q;
     q->canSend.store(true, std::memory_order_release);
     return 0;
@@ -288,6 +335,7 @@ extern "C" OLMO_API int omInitMsgQ(HANDLE thread)
 extern "C" OLMO_API void omMsgQExtraCleanUp(HANDLE thread)
 {
     OmThreadRecord *t = omThreadRecordFromHandle(omHandleValue(thread));
+    omAsyncSelectThreadCleanup(t);
     ThreadQueue *q = queueOf(t);
     if (!q)
         return;
@@ -317,6 +365,7 @@ extern "C" OLMO_API void omMsgQExtraCleanUp(HANDLE thread)
         i = next;
     }
     std::free(q->pool);
+    giveBackSendState(q->send);
     delete q;
 }
 
@@ -345,6 +394,7 @@ extern "C" OLMO_API BOOL omPostMessageEvent(HWND hwnd, UINT message, WPARAM wPar
         r->link = nullptr;
         *q->tail = r;
         q->tail = &r->link;
+        q->queued.fetch_add(1, std::memory_order_release);
         fillRecord(r, hwnd, message, wParam, lParam);
         r->originThread = byThread ? thread : nullptr;
         if (xevent)
@@ -375,6 +425,7 @@ extern "C" OLMO_API BOOL omShoveMessage(HWND hwnd, UINT message, WPARAM wParam, 
     if (!q->head)
         q->tail = &r->link;
     q->head = r;
+    q->queued.fetch_add(1, std::memory_order_release);
     fillRecord(r, hwnd, message, wParam, lParam);
     r->originThread = nullptr;
     // Made by TranslateMessage, not by the server.
@@ -507,6 +558,96 @@ extern "C" OLMO_API int omWithTimerMsgList(OmThreadRecord *thread,
         return -1;
     std::lock_guard<std::mutex> guard(q->lock);
     return fn(&q->timerMsgs, context);
+}
+
+namespace om::messages {
+namespace {
+
+bool admits(const OmQueueFilter &f, const OmMsgRecord &r)
+{
+    if (f.hwnd) {
+        if (!r.hwnd)
+            return false;
+        if (r.hwnd != f.hwnd && !IsChild(f.hwnd, r.hwnd))
+            return false;
+    }
+    if (f.min && r.message < f.min)
+        return false;
+    if (f.max && r.message > f.max)
+        return false;
+    return true;
+}
+
+// Lock held: unlinks r, whose predecessor's link is *prev, and frees it.
+void unlinkRecord(ThreadQueue *q, OmMsgRecord **prev, OmMsgRecord *r)
+{
+    *prev = r->link;
+    if (q->tail == &r->link)
+        q->tail = prev;
+    r->link = q->freeList;
+    q->freeList = r;
+    q->queued.fetch_sub(1, std::memory_order_relaxed);
+}
+
+}  // namespace
+}  // namespace om::messages
+
+extern "C" OLMO_API BOOL omQueueTake(const OmQueueFilter *filter, OmMsgRecord *out, BOOL remove,
+                                     long *slot)
+{
+    ThreadQueue *q = currentQueue();
+    if (!q || !out || q->queued.load(std::memory_order_acquire) == 0)
+        return FALSE;
+    OmQueueFilter none{};
+    const OmQueueFilter &f = filter ? *filter : none;
+    std::lock_guard<std::mutex> guard(q->lock);
+    for (OmMsgRecord **prev = &q->head; *prev;) {
+        OmMsgRecord *r = *prev;
+        if (!f.hwnd && r->hwnd && !omIsWindow(r->hwnd)) {
+            unlinkRecord(q, prev, r);
+            continue;
+        }
+        if (!admits(f, *r)) {
+            prev = &r->link;
+            continue;
+        }
+        *out = *r;
+        if (remove)
+            unlinkRecord(q, prev, r);
+        else if (slot)
+            *slot = r - q->pool;
+        return TRUE;
+    }
+    return FALSE;
+}
+
+extern "C" OLMO_API BOOL omQueueRemoveSlot(long slot)
+{
+    ThreadQueue *q = currentQueue();
+    if (!q || slot < 0)
+        return FALSE;
+    std::lock_guard<std::mutex> guard(q->lock);
+    if (static_cast<unsigned long>(slot) >= q->capacity)
+        return FALSE;
+    OmMsgRecord *target = q->pool + slot;
+    for (OmMsgRecord **prev = &q->head; *prev; prev = &(*prev)->link)
+        if (*prev == target) {
+            unlinkRecord(q, prev, target);
+            return TRUE;
+        }
+    return FALSE;
+}
+
+extern "C" OLMO_API BOOL omQueueHasRecords(void)
+{
+    ThreadQueue *q = currentQueue();
+    return q && q->queued.load(std::memory_order_acquire) != 0;
+}
+
+extern "C" OLMO_API OmSendState *omSendStateOf(OmThreadRecord *thread)
+{
+    ThreadQueue *q = queueOf(thread);
+    return q ? q->send : nullptr;
 }
 
 extern "C" OLMO_API int omWithPaintList(OmThreadRecord *thread, int (*fn)(OmPaintList *, void *),
@@ -715,6 +856,7 @@ extern "C" OLMO_API int omTestTakeMessage(HANDLE thread, OmMsgRecord *out)
     q->head = r->link;
     if (!q->head)
         q->tail = &q->head;
+    q->queued.fetch_sub(1, std::memory_order_relaxed);
     *out = *r;
     r->link = q->freeList;
     q->freeList = r;

@@ -12,6 +12,7 @@
 #include <X11/Intrinsic.h>
 
 #include <cstdlib>
+#include <ctime>
 
 namespace om::messages {
 namespace {
@@ -29,11 +30,35 @@ struct TimerRecord {
     TIMERPROC proc;
     XtIntervalId timeout;
     uint64_t thread;  // owner of a window-less timer's messages
+    long long due;    // when the running timeout should fire, in microseconds
     TimerRecord *prev;
     TimerRecord *next;
 };
 
 TimerRecord *g_timers = nullptr;  // newest first
+
+long long nowUs()
+{
+    timespec ts;
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return ts.tv_sec * 1'000'000LL + ts.tv_nsec / 1000;
+}
+
+// The delay until a timer's next expiry, counted from when the last one
+// was due rather than from now, so that a timer keeps its rate however
+// late the pump ran its timeout.  A timer far behind starts afresh.
+// The delay is rounded down to the millisecond the toolkit counts in: a
+// timeout that comes early moves the next one no earlier than its due
+// time plus the period, so the rate holds on average.
+unsigned long nextDelay(TimerRecord *t)
+{
+    long long now = nowUs();
+    long long period = t->elapse * 1000LL;
+    t->due += period;
+    if (t->due < now - period)
+        t->due = now + period;
+    return t->due > now ? static_cast<unsigned long>((t->due - now) / 1000) : 0;
+}
 
 // The thread whose lists a call with hwnd works on: the window's, or the
 // caller's for hwnd 0.  Null for a dead window or a thread without one.
@@ -148,7 +173,7 @@ void timerCallback(XtPointer closure, XtIntervalId *)
     // The procedure may have killed or replaced its timer.
     t = static_cast<TimerRecord *>(omHandleRecord(handle, OM_KIND_TIMER));
     if (t && t->timeout == 0)
-        t->timeout = XtAppAddTimeOut(omAppContext, t->elapse, timerCallback, closure);
+        t->timeout = XtAppAddTimeOut(omAppContext, nextDelay(t), timerCallback, closure);
 }
 
 }  // namespace
@@ -190,7 +215,8 @@ extern "C" UINT_PTR WINAPI SetTimer(HWND hwnd, UINT_PTR id, UINT elapse, TIMERPR
     }
     uint32_t handle = static_cast<uint32_t>(omHandleFromIndex(index));
     *t = {hwnd, handle, hwnd ? id : handle, elapse ? elapse : kDefaultElapse, proc, 0,
-          thread->handle, nullptr, g_timers};
+          thread->handle, 0, nullptr, g_timers};
+    t->due = nowUs() + t->elapse * 1000LL;
     if (g_timers)
         g_timers->prev = t;
     g_timers = t;
@@ -255,6 +281,59 @@ extern "C" OLMO_API void omTimerDelMsgItem(OmTimerMsgList *list, OmTimerMsgItem 
     std::free(item);
     if (!list->cursor)
         list->cursor = list->first;
+}
+
+namespace {
+// The window filter of the calling thread's previous timer peek: a new
+// filter starts again from the first item.
+thread_local HWND t_lastTimerFilter = nullptr;
+}  // namespace
+
+extern "C" OLMO_API BOOL omTimerPeekMessage(MSG *msg, HWND hwnd, UINT min, UINT max, UINT flags)
+{
+    if (!msg)
+        return FALSE;
+    if ((min || max) && (max < WM_TIMER || min > WM_TIMER))
+        return FALSE;
+    const HWND threadTimers = reinterpret_cast<HWND>(static_cast<intptr_t>(-1));
+    OmThreadRecord *t;
+    if (hwnd && hwnd != threadTimers) {
+        if (!omIsWindow(hwnd))
+            return FALSE;
+        t = threadFor(hwnd);
+    } else {
+        t = omCurrentThreadRecord();
+    }
+    struct Ask {
+        MSG *msg;
+        HWND hwnd;
+        bool remove;
+        bool filterChanged;
+    } ask{msg, hwnd, (flags & PM_REMOVE) != 0, hwnd != t_lastTimerFilter};
+    t_lastTimerFilter = hwnd;
+    int got = omWithTimerMsgList(
+        t,
+        [](OmTimerMsgList *list, void *c) -> int {
+            auto &a = *static_cast<Ask *>(c);
+            if (!list->cursor)
+                return 0;
+            if (a.filterChanged)
+                list->cursor = list->first;
+            OmTimerMsgItem *i = list->cursor;
+            if (a.hwnd) {
+                HWND want = a.hwnd == reinterpret_cast<HWND>(static_cast<intptr_t>(-1))
+                                ? nullptr
+                                : a.hwnd;
+                if (i->hwnd != want && !(want && i->hwnd && IsChild(want, i->hwnd)))
+                    return 0;
+            }
+            omTimerSetMsg(i, a.msg);
+            if (a.remove)
+                omTimerDelMsgItem(list, i);
+            return 1;
+        },
+        &ask);
+    return got > 0;
 }
 
 #ifdef OLMO_MESSAGES_TEST_ACCESS

@@ -759,8 +759,12 @@ OLMO_API void omProcessExposeEvent(HWND hwnd, XEvent *event)
     Window canvas = realized(w->canvasWidget) ? XtWindow(w->canvasWidget) : None;
     bool counts = !w->canvasWidget || event->xany.window == canvas ||
                   (w->kind == OM_WK_COMBOBOX && (w->style & WS_CHILD));
-    if (!counts)
+    if (!counts) {
+        // The widgets around the canvas (frame, scroll bars) draw
+        // themselves.
+        XtDispatchEvent(event);
         return;
+    }
     WindowRecord *p = omWindowRecord(w->parent);
     if (!(w->style & WS_VISIBLE) && !(p && p->kind == OM_WK_TOOLBAR))
         return;

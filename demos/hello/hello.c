@@ -1,33 +1,112 @@
 /*
  * The Olmo demo: a small Win32 program of our own, written exactly as a
- * program for Windows is.  It grows with the library; today it registers a
- * class and opens a top-level window, "Olmo demo", kept up until the window
- * manager closes it or for the number of seconds given on the command line.
+ * program for Windows is.  It grows with the library; today it runs the
+ * classic message loop over one top-level window, "Olmo demo", which paints
+ * itself (WM_PAINT), counts down with a timer, shows where it was clicked
+ * and what was typed, and quits when the window manager closes it or the
+ * number of seconds given on the command line has passed.
  */
 #include <windows.h>
 #include <windowsx.h>
 #include <tchar.h>
 
+#include <stdio.h>
 #include <stdlib.h>
-#include <time.h>
+#include <string.h>
 
-/* Until the message loop arrives, the toolkit's own pump dispatches X. */
-int omPumpXEvents(unsigned waitMs);
+#define DEMO_TIMER 1
 
-static int g_closed;
+typedef struct {
+    int secondsLeft; /* 0: no limit */
+    int clicks;
+    POINT lastClick;
+    char typed[40];
+} DemoState;
+
+static void paint(HWND hwnd, const DemoState *s)
+{
+    PAINTSTRUCT ps;
+    HDC dc = BeginPaint(hwnd, &ps);
+    RECT client, band;
+    char line[128];
+    int y = 70;
+
+    GetClientRect(hwnd, &client);
+    band = client;
+    band.bottom = 50;
+    FillRect(dc, &band, (HBRUSH)GetStockObject(GRAY_BRUSH));
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, RGB(255, 255, 255));
+    DrawTextA(dc, "Hello from Olmo", -1, &band, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
+    SetTextColor(dc, RGB(0, 0, 0));
+
+    if (s->secondsLeft > 0)
+        snprintf(line, sizeof line, "Closing in %d s (a WM_TIMER each second)", s->secondsLeft);
+    else
+        snprintf(line, sizeof line, "Close the window to quit");
+    TextOutA(dc, 20, y, line, (int)strlen(line));
+    y += 24;
+    snprintf(line, sizeof line, "Clicks: %d, last at (%ld, %ld)", s->clicks,
+             (long)s->lastClick.x, (long)s->lastClick.y);
+    TextOutA(dc, 20, y, line, (int)strlen(line));
+    y += 24;
+    snprintf(line, sizeof line, "Typed: %s", s->typed[0] ? s->typed : "(nothing yet)");
+    TextOutA(dc, 20, y, line, (int)strlen(line));
+    if (s->clicks) {
+        HBRUSH red = CreateSolidBrush(RGB(200, 30, 30));
+        RECT dot = {s->lastClick.x - 4, s->lastClick.y - 4, s->lastClick.x + 4,
+                    s->lastClick.y + 4};
+        FillRect(dc, &dot, red);
+        DeleteObject(red);
+    }
+    EndPaint(hwnd, &ps);
+}
 
 static LRESULT CALLBACK DemoProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam)
 {
+    DemoState *s = (DemoState *)GetWindowLongPtrA(hwnd, GWLP_USERDATA);
     switch (msg) {
     case WM_CREATE:
-        SetWindowLongPtrA(hwnd, GWLP_USERDATA,
-                          (LONG_PTR)((CREATESTRUCTA *)lParam)->lpCreateParams);
+        s = (DemoState *)((CREATESTRUCTA *)lParam)->lpCreateParams;
+        SetWindowLongPtrA(hwnd, GWLP_USERDATA, (LONG_PTR)s);
+        if (s->secondsLeft > 0)
+            SetTimer(hwnd, DEMO_TIMER, 1000, NULL);
         return 0;
+    case WM_PAINT:
+        paint(hwnd, s);
+        return 0;
+    case WM_TIMER:
+        if (wParam == DEMO_TIMER && --s->secondsLeft <= 0) {
+            KillTimer(hwnd, DEMO_TIMER);
+            DestroyWindow(hwnd);
+        } else {
+            InvalidateRect(hwnd, NULL, TRUE);
+        }
+        return 0;
+    case WM_LBUTTONDOWN:
+        s->clicks++;
+        s->lastClick.x = GET_X_LPARAM(lParam);
+        s->lastClick.y = GET_Y_LPARAM(lParam);
+        InvalidateRect(hwnd, NULL, TRUE);
+        return 0;
+    case WM_CHAR: {
+        size_t n = strlen(s->typed);
+        if (wParam >= 0x20 && wParam < 0x7F) {
+            if (n + 1 >= sizeof s->typed) {
+                memmove(s->typed, s->typed + 1, n);
+                n--;
+            }
+            s->typed[n] = (char)wParam;
+            s->typed[n + 1] = '\0';
+            InvalidateRect(hwnd, NULL, TRUE);
+        }
+        return 0;
+    }
     case WM_CLOSE:
         printf("  WM_CLOSE from the window manager\n");
         break;
     case WM_DESTROY:
-        g_closed = 1;
+        PostQuitMessage(0);
         return 0;
     }
     return DefWindowProcA(hwnd, msg, wParam, lParam);
@@ -36,13 +115,14 @@ static LRESULT CALLBACK DemoProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lPar
 int WINAPI WinMain(HINSTANCE hInstance, HINSTANCE hPrevInstance, LPSTR lpCmdLine, int nCmdShow)
 {
     LPARAM click = MAKELPARAM(-12, 34);
+    static DemoState state;
     WNDCLASSA wc;
     HWND hwnd;
-    int seconds = atoi(lpCmdLine);
-    time_t start;
+    MSG msg;
     char title[64];
     (void)hPrevInstance;
 
+    state.secondsLeft = atoi(lpCmdLine);
     printf("Olmo demo\n");
     printf("  command line:  [%s]\n", lpCmdLine);
     printf("  show command:  %d (SW_SHOWDEFAULT is %d)\n", nCmdShow, SW_SHOWDEFAULT);
@@ -62,25 +142,25 @@ int WINAPI WinMain(HINSTANCE hInstance, HINSTANCE hPrevInstance, LPSTR lpCmdLine
         return 1;
     }
     hwnd = CreateWindowA("OlmoDemo", "Olmo demo", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT,
-                         CW_USEDEFAULT, 480, 320, NULL, NULL, hInstance, (LPVOID)&g_closed);
+                         CW_USEDEFAULT, 480, 320, NULL, NULL, hInstance, &state);
     if (!hwnd) {
         printf("  no window: CreateWindowA failed\n");
         return 1;
     }
     ShowWindow(hwnd, nCmdShow);
+    UpdateWindow(hwnd);
     GetWindowTextA(hwnd, title, sizeof title);
     printf("  window:        \"%s\" (user data %s)\n", title,
-           GetWindowLongPtrA(hwnd, GWLP_USERDATA) == (LONG_PTR)&g_closed ? "kept" : "lost");
-    if (seconds > 0)
-        printf("  open for %d seconds, or until closed\n", seconds);
+           GetWindowLongPtrA(hwnd, GWLP_USERDATA) == (LONG_PTR)&state ? "kept" : "lost");
+    if (state.secondsLeft > 0)
+        printf("  open for %d seconds, or until closed\n", state.secondsLeft);
     else
         printf("  open until closed\n");
 
-    start = time(NULL);
-    while (!g_closed && (seconds <= 0 || time(NULL) - start < seconds))
-        omPumpXEvents(50);
-    if (IsWindow(hwnd))
-        DestroyWindow(hwnd);
-    omPumpXEvents(0);
-    return 0;
+    while (GetMessageA(&msg, NULL, 0, 0)) {
+        TranslateMessage(&msg);
+        DispatchMessageA(&msg);
+    }
+    printf("  left the message loop with %d\n", (int)msg.wParam);
+    return (int)msg.wParam;
 }

@@ -202,7 +202,13 @@ TEST_F(Creation, WindowManagerCloseReachesTheProgramAsWmClose)
     e.xclient.data.l[1] = CurrentTime;
     XSendEvent(omDisplay, XtWindow(shell), False, NoEventMask, &e);
     XFlush(omDisplay);
-    OM_PUMP_UNTIL(!IsWindow(h), 3000, om::test::corePump);
+    // The close request is posted: a loop hands it to the window.
+    OM_PUMP_UNTIL(!IsWindow(h), 3000, [] {
+        om::test::corePump();
+        MSG m;
+        while (PeekMessageA(&m, nullptr, 0, 0, PM_REMOVE))
+            DispatchMessageA(&m);
+    });
     std::vector<UINT> seen = receivedMessages(h);
     auto close = std::find(seen.begin(), seen.end(), UINT{WM_CLOSE});
     EXPECT_NE(close, seen.end()) << "WM_CLOSE reached the procedure";

@@ -15,6 +15,7 @@
 #include <X11/Xlib.h>
 
 #include <cstdint>
+#include <pthread.h>
 #include <cstring>
 #include <mutex>
 #include <new>
@@ -59,6 +60,7 @@ struct WindowRecord {
     DWORD style = 0;
     int x = 0, y = 0, cx = 0, cy = 0;
     uint64_t thread = 0;  // creating thread's handle; its queue gets the messages
+    pthread_t creator{};  // the same thread, for cheap comparison with pthread_self
     HWND self = nullptr;  // this record's handle
     HWND parent = nullptr, owner = nullptr;
     HWND nextSibling = nullptr, prevSibling = nullptr;

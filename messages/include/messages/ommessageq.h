@@ -11,7 +11,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <atomic>
+#include <condition_variable>
 #include <ctime>
+#include <mutex>
 
 // The event type word of a record made without an X event.
 constexpr int kOmNoXEvent = -100;
@@ -71,6 +74,35 @@ struct OmPaintList {
     unsigned scans;  // good windows handed out; every 50th cleans the list
 };
 
+// What retrieval asks of the posted queue: a window (and its descendants)
+// or 0 for all, and a message range whose bounds are ignored when 0.
+struct OmQueueFilter {
+    HWND hwnd;
+    UINT min;
+    UINT max;
+};
+
+struct OmSendRecord;
+
+// A thread's part in sends between threads.  The list and the records'
+// flags are guarded by lock; the rest belongs to the owning thread, except
+// the event, which any thread signals.
+struct OmSendState {
+    std::mutex lock;
+    OmSendRecord *first = nullptr;
+    OmSendRecord *last = nullptr;
+    // The send event: auto-reset, signalled by whoever has work or an
+    // answer for this thread.
+    std::mutex eventLock;
+    std::condition_variable eventCond;
+    bool eventSignalled = false;
+    OmSendRecord *current = nullptr;  // the send whose procedure runs here
+    OmSendRecord *awaited = nullptr;  // the send this thread waits for
+    LRESULT result = 0;               // the answer of this thread's last send
+    int inSendMessage = 0;            // SendMessageA is running on this thread
+    std::atomic<bool> pending{false}; // first is not null (read without the lock)
+};
+
 extern "C" {
 
 // Records of the main thread's pool and its growth step; the same for
@@ -118,6 +150,32 @@ OLMO_API int omWithPaintList(OmThreadRecord *thread, int (*fn)(OmPaintList *, vo
 // message): the main thread through its wake pipe, others through their
 // wait.
 OLMO_API void omWakeQueueOwner(OmThreadRecord *thread, UINT message);
+
+// Retrieval's view of the calling thread's posted queue.  Finds the first
+// record the filter admits (an unfiltered walk recycles records of dead
+// windows), copies it to out and, with remove, takes it off the queue.
+// Otherwise *slot receives the record's place for omQueueRemoveSlot.
+// FALSE when nothing matches.
+OLMO_API BOOL omQueueTake(const OmQueueFilter *filter, OmMsgRecord *out, BOOL remove,
+                          long *slot);
+// Removes the record a non-removing omQueueTake found, if it is still
+// queued; FALSE otherwise.
+OLMO_API BOOL omQueueRemoveSlot(long slot);
+// Whether the calling thread's posted queue holds anything (no lock).
+OLMO_API BOOL omQueueHasRecords(void);
+// A thread's send state; null when it has no queue.
+OLMO_API OmSendState *omSendStateOf(OmThreadRecord *thread);
+
+// Sends between threads (sendmessage.cpp): runs one send of the calling
+// thread to a window of receiver; delivers the first send waiting for
+// thread; releases the senders still waiting for a finished thread.
+OLMO_API void omInterThreadSendMsg(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam,
+                                   HANDLE sender, HANDLE receiver);
+OLMO_API void omReceiveMessages(HANDLE thread);
+OLMO_API void omCleanupSMSList(HANDLE thread);
+
+// Drains X and the queue, dispatching a few messages (peekmessage.cpp).
+OLMO_API void omFlushMsgs(void);
 
 // Root-window broadcasts to every process of the toolkit on the display.
 // type is _omPostMessageAtom or _omSendMessageAtom.

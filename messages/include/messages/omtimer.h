@@ -17,6 +17,10 @@ OLMO_API BOOL omTimerAddMsg(HWND hwnd, UINT_PTR id, LPARAM lParam);
 // TRUE when the calling thread has no pending timer message.
 OLMO_API BOOL omTimerIsQueueEmpty(void);
 
+// Retrieval's timer source: the item at the cursor of the thread's list
+// when the filter admits it (hwnd -1: thread timers only).
+OLMO_API BOOL omTimerPeekMessage(MSG *msg, HWND hwnd, UINT min, UINT max, UINT flags);
+
 // For retrieval, under the list's queue lock (omWithTimerMsgList): fill a
 // MSG from an item; unlink and free an item, moving the cursor on.
 OLMO_API void omTimerSetMsg(const OmTimerMsgItem *item, MSG *msg);
