@@ -46,6 +46,15 @@ struct ThreadQueue {
     OmPaintList paint{};         // windows waiting for WM_PAINT, under lock too
     std::atomic<unsigned> queued{0};  // records in the queue, read without the lock
     OmSendState *send = nullptr;      // from the pool below, never freed
+    // Whether the paint and timer lists hold anything, kept under the lock
+    // and read without it, so that retrieval with nothing to paint or time
+    // takes no lock.
+    std::atomic<bool> hasPaint{false};
+    std::atomic<bool> hasTimer{false};
+    // Main thread: set while it is in retrieval and will look at its queue
+    // before it next sleeps, so that other threads need not write a wake
+    // byte (a system call on each side) for every message they give it.
+    std::atomic<bool> awake{false};
     unsigned capacity = 0;
     time_t lastShrink = 0;
     bool warnedExhausted = false;
@@ -231,10 +240,15 @@ OmMsgRecord *takeFree(ThreadQueue *q, const char *function)
     return r;
 }
 
-// Lock held.  One byte per wait: wakePending stays set until the reader
-// has drained the pipe.
+// One byte per wait: a byte is written only when wakePending goes from
+// clear to set, and the reader takes one byte each time it clears it.
+// Needs no lock.
 void wakeMain(ThreadQueue *q, int retries)
 {
+    // Sequentially consistent with the retrieval's clearing of awake and
+    // its look at the queue: one of the two sees the other.
+    if (q->awake.load(std::memory_order_seq_cst))
+        return;
     if (q->wakePipe[1] < 0 || q->wakePending.exchange(true, std::memory_order_acq_rel))
         return;
     for (int i = 0; i <= retries; ++i) {
@@ -394,7 +408,7 @@ extern "C" OLMO_API BOOL omPostMessageEvent(HWND hwnd, UINT message, WPARAM wPar
         r->link = nullptr;
         *q->tail = r;
         q->tail = &r->link;
-        q->queued.fetch_add(1, std::memory_order_release);
+        q->queued.fetch_add(1, std::memory_order_seq_cst);
         fillRecord(r, hwnd, message, wParam, lParam);
         r->originThread = byThread ? thread : nullptr;
         if (xevent)
@@ -557,7 +571,9 @@ extern "C" OLMO_API int omWithTimerMsgList(OmThreadRecord *thread,
     if (!q)
         return -1;
     std::lock_guard<std::mutex> guard(q->lock);
-    return fn(&q->timerMsgs, context);
+    int r = fn(&q->timerMsgs, context);
+    q->hasTimer.store(q->timerMsgs.first != nullptr, std::memory_order_release);
+    return r;
 }
 
 namespace om::messages {
@@ -638,6 +654,34 @@ extern "C" OLMO_API BOOL omQueueRemoveSlot(long slot)
     return FALSE;
 }
 
+extern "C" OLMO_API void omSetMainAwake(int awake)
+{
+    ThreadQueue *q = currentQueue();
+    if (!q || !q->isMain)
+        return;
+    q->awake.store(awake != 0, std::memory_order_seq_cst);
+    // Going to sleep, or back to the program, which may wait on the X
+    // connection in a way of its own: work another thread gave while this
+    // thread was awake gets its wake byte now.
+    if (!awake && (q->queued.load(std::memory_order_seq_cst) ||
+                   q->send->pending.load(std::memory_order_seq_cst) ||
+                   q->hasPaint.load(std::memory_order_seq_cst) ||
+                   q->hasTimer.load(std::memory_order_seq_cst)))
+        wakeMain(q, 5);
+}
+
+extern "C" OLMO_API BOOL omQueueMayHavePaint(void)
+{
+    ThreadQueue *q = currentQueue();
+    return q && q->hasPaint.load(std::memory_order_acquire);
+}
+
+extern "C" OLMO_API BOOL omQueueMayHaveTimer(void)
+{
+    ThreadQueue *q = currentQueue();
+    return q && q->hasTimer.load(std::memory_order_acquire);
+}
+
 extern "C" OLMO_API BOOL omQueueHasRecords(void)
 {
     ThreadQueue *q = currentQueue();
@@ -657,7 +701,9 @@ extern "C" OLMO_API int omWithPaintList(OmThreadRecord *thread, int (*fn)(OmPain
     if (!q)
         return -1;
     std::lock_guard<std::mutex> guard(q->lock);
-    return fn(&q->paint, context);
+    int r = fn(&q->paint, context);
+    q->hasPaint.store(q->paint.first != nullptr, std::memory_order_release);
+    return r;
 }
 
 extern "C" OLMO_API void omWakeQueueOwner(OmThreadRecord *thread, UINT message)
@@ -668,7 +714,8 @@ extern "C" OLMO_API void omWakeQueueOwner(OmThreadRecord *thread, UINT message)
     if (q->isMain) {
         if (callerIsMain())
             return;  // the main thread is awake: it is the caller
-        std::lock_guard<std::mutex> guard(q->lock);
+        // The flag and the pipe need no lock; the main thread's own
+        // retrieval takes it often.
         wakeMain(q, 5);
         return;
     }

@@ -19,6 +19,7 @@
 #include <X11/Intrinsic.h>
 
 #include <ctime>
+#include <sched.h>
 
 namespace om::messages {
 namespace {
@@ -158,8 +159,28 @@ bool admitsQuit(UINT min, UINT max)
     return min <= WM_QUIT && (max == 0 || max >= WM_QUIT);
 }
 
+// Marks the main thread awake for the time of a retrieval or wait (see
+// omSetMainAwake); nested uses keep the outermost.
+thread_local int t_awakeDepth = 0;
+class Awake {
+public:
+    Awake()
+    {
+        if (t_awakeDepth++ == 0)
+            omSetMainAwake(1);
+    }
+    ~Awake()
+    {
+        if (--t_awakeDepth == 0)
+            omSetMainAwake(0);
+    }
+    Awake(const Awake &) = delete;
+    Awake &operator=(const Awake &) = delete;
+};
+
 BOOL peek(MSG *msg, HWND hwnd, UINT min, UINT max, UINT flags)
 {
+    Awake awake;
     if ((!omDisplay && !omAppContext) || !msg)
         return FALSE;
     OmThreadRecord *t = omCurrentThreadRecord();
@@ -190,7 +211,7 @@ BOOL peek(MSG *msg, HWND hwnd, UINT min, UINT max, UINT flags)
     omReceiveMessages(self);
     if (omGetAsyncSelectMessage(self, hwnd, msg, min, max, TRUE, flags))
         return TRUE;
-    if ((main || uiThreads) && admitsPaint(min, max) &&
+    if ((main || uiThreads) && admitsPaint(min, max) && omQueueMayHavePaint() &&
         omPaintGetMsg(hwnd, msg, TRUE, keep ? TRUE : FALSE)) {
         // A group box is painted after its parent.
         WindowRecord *w = omWindowRecord(msg->hwnd);
@@ -205,7 +226,7 @@ BOOL peek(MSG *msg, HWND hwnd, UINT min, UINT max, UINT flags)
         }
         return TRUE;
     }
-    if (omTimerPeekMessage(msg, hwnd, min, max, flags)) {
+    if ((hwnd || omQueueMayHaveTimer()) && omTimerPeekMessage(msg, hwnd, min, max, flags)) {
         omSetLastMessageState(msg->pt.x, msg->pt.y, msg->time);
         return TRUE;
     }
@@ -218,16 +239,52 @@ BOOL peek(MSG *msg, HWND hwnd, UINT min, UINT max, UINT flags)
     return FALSE;
 }
 
+// Work another thread hands this one usually comes within microseconds of
+// the last (a stream of posts, the answer to a send): looking for it a
+// little while before sleeping saves the wake-up, which costs tens of
+// microseconds on a virtual machine.  Bounded, so a loop with nothing to do
+// still sleeps at once in practice.
+constexpr long kSpinNs = 40'000;
+
+bool spinFor(bool (*ready)(OmSendState *), OmSendState *s)
+{
+    long until = nowNs() + kSpinNs;
+    for (int i = 0;; ++i) {
+        if (ready(s))
+            return true;
+        if (nowNs() > until)
+            return false;
+        sched_yield();
+    }
+}
+
+bool otherThreadsGaveWork(OmSendState *s)
+{
+    return omQueueHasRecords() || (s && s->pending.load(std::memory_order_acquire));
+}
+
 void waitMain()
 {
-    while (!omQueueHasRecords() && omPaintIsPaintMsgEmpty() && !omQuitIsSet) {
-        if (!omTimerIsQueueEmpty())
+    Awake awake;
+    while (!omQueueHasRecords() && !omQueueMayHavePaint() && !omQuitIsSet) {
+        if (omQueueMayHaveTimer())
             break;
         // Queued idle work (widgets to destroy) runs in the next pump
         // rather than after the next event.
         if (!XtAppPending(omAppContext) && !omDestroyQueued()) {
+            // What another thread gave is taken by the retrieval that
+            // follows, which pumps X as well.
+            if (spinFor(otherThreadsGaveWork, omSendStateOf(omCurrentThreadRecord())))
+                break;
+            // Asleep from here: other threads write their wake byte again.
+            omSetMainAwake(0);
+            if (otherThreadsGaveWork(omSendStateOf(omCurrentThreadRecord()))) {
+                omSetMainAwake(1);
+                break;
+            }
             XEvent ev;
             XtAppPeekEvent(omAppContext, &ev);
+            omSetMainAwake(1);
         }
         pump();
         if (omCheckAsyncSelectMessage())
@@ -252,7 +309,7 @@ void waitSecondary(OmThreadRecord *t)
         OmSendState *s = omSendStateOf(t);
         if (s && s->pending.load(std::memory_order_acquire))
             return;
-        if (!omTimerIsQueueEmpty() || !omPaintIsPaintMsgEmpty())
+        if (omQueueMayHaveTimer() || omQueueMayHavePaint())
             return;
         if (omIsUserInterfaceThreadSupported() && !detached) {
             omDetachHWNDfromThread(reinterpret_cast<HANDLE>(static_cast<uintptr_t>(t->handle)));
@@ -260,7 +317,8 @@ void waitSecondary(OmThreadRecord *t)
         }
         // Woken at once by posts, sends, timer and paint additions; sockets
         // are polled, so a thread with some looks again every 100 ms.
-        omWaitQueueMsg(omThreadHasAsyncRegistrations() ? 100 : 1000);
+        if (!spinFor(otherThreadsGaveWork, s))
+            omWaitQueueMsg(omThreadHasAsyncRegistrations() ? 100 : 1000);
     }
 }
 
@@ -288,12 +346,12 @@ BOOL WINAPI WaitMessage(void)
     OmThreadRecord *t = omCurrentThreadRecord();
     if (!t)
         return TRUE;
-    if (t->isMain) {
-        if (omAppContext)
-            waitMain();
-    } else {
+    // Without a display the main thread waits as any other thread does:
+    // on its condition, woken by whoever gives it work.
+    if (t->isMain && omAppContext && omDisplay)
+        waitMain();
+    else
         waitSecondary(t);
-    }
     return TRUE;
 }
 

@@ -12,9 +12,12 @@
 #include "kernel/omwidgetmap.h"
 #include "messages/omhook.h"
 
+#include <atomic>
 #include <chrono>
+#include <sched.h>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 // One send between threads.  flags: kAnswered, kReceiverFrees, kTaken,
 // kRunning; guarded by the receiver's send-list lock.
@@ -28,6 +31,8 @@ struct OmSendRecord {
     LPARAM lParam;
     UINT message;
     HWND hwnd;
+    // kAnswered as well, for a sender looking without the lock.
+    std::atomic<bool> done;
 };
 
 namespace om::messages {
@@ -56,6 +61,24 @@ void waitSignal(OmSendState &s)
     s.eventSignalled = false;
 }
 
+
+// Spins a short while for the answer or for a send addressed to this
+// thread (which the caller's loop serves).
+bool spinForAnswer(OmSendState &self, const OmSendRecord *r)
+{
+    auto until = std::chrono::steady_clock::now() + std::chrono::microseconds(40);
+    for (int i = 0;; ++i) {
+        {
+            if (r->done.load(std::memory_order_acquire) ||
+                self.pending.load(std::memory_order_acquire))
+                return true;
+            if (std::chrono::steady_clock::now() > until)
+                return false;
+        }
+        sched_yield();
+    }
+}
+
 OmThreadRecord *threadOf(uint64_t handle)
 {
     return omThreadRecordFromHandle(handle);
@@ -81,6 +104,7 @@ void finish(OmSendState &receiver, OmSendRecord *r)
         release = r->flags & kReceiverFrees;
         if (!release) {
             r->flags |= kAnswered;
+            r->done.store(true, std::memory_order_release);
             if (sender)
                 signal(*sender);
         }
@@ -240,7 +264,8 @@ OLMO_API void omInterThreadSendMsg(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lP
             ss->result = r;
         return;
     }
-    auto *r = static_cast<OmSendRecord *>(std::calloc(1, sizeof(OmSendRecord)));
+    void *memory = std::malloc(sizeof(OmSendRecord));
+    auto *r = memory ? new (memory) OmSendRecord{} : nullptr;
     if (!r) {
         omError(OmDiag::OutOfMemory, "SendMessage");
         return;
@@ -265,6 +290,10 @@ OLMO_API void omInterThreadSendMsg(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lP
         // sending to each other both go on.
         omReceiveMessages(sender);
         signal(*rs);
+        // The answer usually comes within microseconds: looking for it a
+        // little while saves the wake-up, which costs far more.
+        if (spinForAnswer(*ss, r))
+            continue;
         waitSignal(*ss);
     }
     bool freeHere;
@@ -307,6 +336,7 @@ OLMO_API void omCleanupSMSList(HANDLE thread)
             // once it wakes, so r is not touched after the lock.
             r->result = 0;
             r->flags = (r->flags & ~kRunning) | kTaken | kAnswered;
+            r->done.store(true, std::memory_order_release);
             r->link = nullptr;
             signal(*sender);
         }
@@ -335,6 +365,7 @@ BOOL WINAPI ReplyMessage(LRESULT lResult)
             return FALSE;  // replied already
         r->result = lResult;
         r->flags |= kAnswered | kReceiverFrees;
+        r->done.store(true, std::memory_order_release);
         signal(*sender);
     }
     return TRUE;

@@ -163,6 +163,14 @@ OLMO_API BOOL omQueueTake(const OmQueueFilter *filter, OmMsgRecord *out, BOOL re
 OLMO_API BOOL omQueueRemoveSlot(long slot);
 // Whether the calling thread's posted queue holds anything (no lock).
 OLMO_API BOOL omQueueHasRecords(void);
+// Whether its paint or timer list may hold anything (no lock): FALSE means
+// empty as of the last change any thread made under the lock.
+OLMO_API BOOL omQueueMayHavePaint(void);
+// Main thread: awake (1) while retrieval runs and will look at the queue
+// before sleeping; 0 when it may sleep in the X wait or return to the
+// program.  Other threads write the wake byte only while it is 0.
+OLMO_API void omSetMainAwake(int awake);
+OLMO_API BOOL omQueueMayHaveTimer(void);
 // A thread's send state; null when it has no queue.
 OLMO_API OmSendState *omSendStateOf(OmThreadRecord *thread);
 
