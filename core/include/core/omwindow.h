@@ -237,6 +237,15 @@ OLMO_API HWND CreateDesktopWindow(void);
 // Stacking lists (top-level list head; each parent's child list).
 OLMO_API extern HWND omTopLevelWindowList;
 OLMO_API void omRemoveWindowFromSiblingList(HWND hwnd, WindowRecord *record);
+// The first and last windows of the list hwnd is in (0 for a dead handle).
+OLMO_API HWND omFirstInStackingList(HWND hwnd);
+OLMO_API HWND omLastInStackingList(HWND hwnd);
+// Moves within hwnd's list: to the top, to the bottom, right after
+// `after`.  The lists only; callers restack X windows themselves.
+OLMO_API void omZOrderRaise(HWND hwnd);
+OLMO_API void omZOrderLower(HWND hwnd);
+OLMO_API void omZOrderInsertAfter(HWND hwnd, HWND after);
+OLMO_API void omPrintStackingList(HWND hwnd);
 
 // Destruction.  flag is kept for callers that pass it and not consulted.
 OLMO_API BOOL omDestroyWindow(HWND hwnd, int flag, int notifyParent);
