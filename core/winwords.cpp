@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 extern "C" {
 OLMO_API HWND hWndSWL = nullptr;
@@ -177,6 +178,8 @@ extern "C" LONG WINAPI SetWindowLongW(HWND hWnd, int nIndex, LONG dwNewLong)
 extern "C" LONG_PTR WINAPI GetWindowLongPtrA(HWND hWnd, int nIndex)
 {
     WindowRecord *w = dataRecord(hWnd, "GetWindowLongPtr");
+    if (w && nIndex == GWLP_USERDATA)
+        return w->userData;  // the programs' favourite, first
     return w ? getWindowValue(*w, nIndex, true, "GetWindowLongPtr") : 0;
 }
 
@@ -185,6 +188,8 @@ extern "C" LONG_PTR WINAPI SetWindowLongPtrA(HWND hWnd, int nIndex, LONG_PTR dwN
     WindowRecord *w = dataRecord(hWnd, "SetWindowLongPtr");
     if (!w)
         return 0;
+    if (nIndex == GWLP_USERDATA)
+        return std::exchange(w->userData, dwNewLong);
     if (nIndex == GWLP_HWNDPARENT) {
         omError(OmDiag::IndexOutOfRange, "SetWindowLongPtr", nIndex);
         return 0;
