@@ -95,6 +95,19 @@ extern "C" LRESULT WINAPI DefWindowProcA(HWND hWnd, UINT Msg, WPARAM wParam, LPA
         FillRect(reinterpret_cast<HDC>(wParam), &r, brush);
         return 1;
     }
+    case WM_MOUSEWHEEL:
+    case WM_MOUSEHWHEEL:
+        // Up the parent chain, as on Windows; at the top the widgets get
+        // the wheel event back, so that those that scroll with it do.
+        if ((w.style & WS_CHILD) && w.parent)
+            return SendMessageA(w.parent, Msg, wParam, lParam);
+        {
+            XEvent ev;
+            if (omMsgMRUSearch(hWnd, Msg, wParam, lParam, nullptr) &&
+                omMsgToEvent(hWnd, Msg, wParam, lParam, &ev))
+                XtDispatchEvent(&ev);
+        }
+        return 0;
     case WM_QUERYENDSESSION:
         return 1;
     case WM_GETTEXT:

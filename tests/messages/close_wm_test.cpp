@@ -11,6 +11,7 @@
 #include "core/omwindow.h"
 #include "kernel/omdisplay.h"
 #include "kernel/ominit.h"
+#include "messages/ompaint.h"
 
 #include <windows.h>
 
@@ -118,6 +119,20 @@ TEST(MessageLoopWm, InputArrivesThroughTheLoopAndAltF4EndsIt)
     EXPECT_EQ(GetMessagePos(), static_cast<DWORD>(MAKELONG(rx, ry)));
     EXPECT_EQ(GetMessageTime(), static_cast<LONG>(m.time));
     EXPECT_NE(m.time, 0u);
+    // The widgets can have the click back as the event it came from; a
+    // message that came from no event is built.
+    XEvent back;
+    ASSERT_TRUE(omMsgToEvent(m.hwnd, m.message, m.wParam, m.lParam, &back));
+    EXPECT_EQ(back.type, ButtonPress);
+    EXPECT_FALSE(back.xbutton.send_event);
+    EXPECT_EQ(back.xbutton.x, 30);
+    ASSERT_TRUE(omMsgToEvent(hwnd, WM_RBUTTONUP, 0, MAKELPARAM(5, 6), &back));
+    EXPECT_EQ(back.type, ButtonRelease);
+    EXPECT_EQ(back.xbutton.button, 3u);
+    EXPECT_EQ(back.xbutton.y, 6);
+    EXPECT_TRUE(back.xbutton.send_event);
+    EXPECT_EQ(back.xbutton.window, XtWindow(canvas));
+    EXPECT_FALSE(omMsgToEvent(hwnd, WM_KEYDOWN, 'A', 0, &back));
 
     om::test::pumpFor(100ms, pumpOnce);
     g_typed.clear();

@@ -284,6 +284,11 @@ OLMO_API BOOL omPaintTakeUpdateRegion(HWND hwnd, HRGN updateRgn, BOOL *erase);
 OLMO_API BOOL omPaintDeleteItem(HWND hwnd);
 OLMO_API BOOL omPaintDeleteLiteKid(HWND child);
 OLMO_API void omPaintCleanAll(HWND hwnd);
+// A retrieved message back to the X event it was made from (messages/).
+struct OmMsgRecord;
+OLMO_API int omMsgMRUSearch(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam,
+                            OmMsgRecord *out);
+OLMO_API BOOL omMsgToEvent(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam, XEvent *event);
 
 // Top-level windows.
 OLMO_API extern int first_appshell_created_yet;
