@@ -35,6 +35,12 @@ void omCleanupRegisterWindowMessage(void);
 void omAsyncSelectRegisterHooks(void);
 }
 
+// Entries of the window-management subsystem, declared the same way.
+extern "C" {
+Cursor omCreateCursorFromData(HCURSOR cursor);
+int omCurrentCursorCount(void);
+}
+
 namespace {
 
 constexpr char kVersionTag[18] = "USER: Aug  1 2004";
@@ -99,6 +105,8 @@ void initExports()
     put(OM_UE_omBorderWidth, &omBorderWidth);
     put(OM_UE_omCaptionHeight, &omCaptionHeight);
     put(OM_UE_omCleanupRegisterWindowMessage, &omCleanupRegisterWindowMessage);
+    put(OM_UE_omCreateCursorFromData, &omCreateCursorFromData);
+    put(OM_UE_omCurrentCursorCount, &omCurrentCursorCount);
     _omUSER_exports_init(table);
 }
 
