@@ -132,6 +132,9 @@ BOOL destroyWindow(HWND hwnd, bool notifyParent)
         om::core::send(w.parent, WM_PARENTNOTIFY,
                        MAKEWPARAM(WM_DESTROY, static_cast<WORD>(w.idOrMenu)),
                        reinterpret_cast<LPARAM>(hwnd));
+    // A window going away lets go of the pointer.
+    if (GetCapture() == hwnd)
+        ReleaseCapture();
     if (!comboChild)
         om::core::send(hwnd, WM_DESTROY, 0, 0);
     obscure(w);

@@ -95,6 +95,18 @@ extern "C" LRESULT WINAPI DefWindowProcA(HWND hWnd, UINT Msg, WPARAM wParam, LPA
         FillRect(reinterpret_cast<HDC>(wParam), &r, brush);
         return 1;
     }
+    case WM_SETCURSOR:
+        // The parent chooses first; then the window's class cursor.
+        if ((w.style & WS_CHILD) && w.parent &&
+            SendMessageA(w.parent, WM_SETCURSOR, wParam, lParam))
+            return TRUE;
+        if (reinterpret_cast<HWND>(wParam) == hWnd)
+            return omSetClassCursor(hWnd, lParam);
+        return FALSE;
+    case WM_CANCELMODE:
+        if (GetCapture() == hWnd)
+            ReleaseCapture();
+        return 0;
     case WM_MOUSEWHEEL:
     case WM_MOUSEHWHEEL:
         // Up the parent chain, as on Windows; at the top the widgets get

@@ -284,6 +284,8 @@ OLMO_API BOOL omPaintTakeUpdateRegion(HWND hwnd, HRGN updateRgn, BOOL *erase);
 OLMO_API BOOL omPaintDeleteItem(HWND hwnd);
 OLMO_API BOOL omPaintDeleteLiteKid(HWND child);
 OLMO_API void omPaintCleanAll(HWND hwnd);
+// The class cursor for WM_SETCURSOR (winmgmt/).
+OLMO_API BOOL omSetClassCursor(HWND hwnd, LPARAM lParam);
 // A retrieved message back to the X event it was made from (messages/).
 struct OmMsgRecord;
 OLMO_API int omMsgMRUSearch(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam,
