@@ -188,7 +188,10 @@ extern "C" OLMO_API HWND omLastInStackingList(HWND hwnd)
 // SetWindowPos) restack those themselves, since only they know whether
 // the frame is realized.  The sibling lock keeps creation on another
 // thread from linking into a list caught half-moved.
-extern "C" OLMO_API void omZOrderRaise(HWND hwnd)
+namespace {
+
+// Moves hwnd to one end of its list: the top, or the bottom.
+void moveToEnd(HWND hwnd, bool top)
 {
     WindowRecord *w = omWindowRecord(hwnd);
     if (!w)
@@ -197,35 +200,33 @@ extern "C" OLMO_API void omZOrderRaise(HWND hwnd)
     if (!w->nextSibling && !w->prevSibling)
         return;
     WindowRecord *parent = listParent(*w);
-    HWND first = firstOfList(hwnd, *w);
-    if (first == hwnd)
+    HWND end = top ? firstOfList(hwnd, *w) : lastOfList(hwnd, *w);
+    if (end == hwnd)
         return;
     unlinkLocked(hwnd, *w, parent);
-    WindowRecord *f = omWindowRecord(first);
-    w->nextSibling = first;
-    if (f)
-        f->prevSibling = hwnd;
+    WindowRecord *e = omWindowRecord(end);
+    if (top) {
+        w->nextSibling = end;
+        if (e)
+            e->prevSibling = hwnd;
+    } else {
+        w->prevSibling = end;
+        if (e)
+            e->nextSibling = hwnd;
+    }
     refreshHeads(hwnd, parent);
+}
+
+}  // namespace
+
+extern "C" OLMO_API void omZOrderRaise(HWND hwnd)
+{
+    moveToEnd(hwnd, true);
 }
 
 extern "C" OLMO_API void omZOrderLower(HWND hwnd)
 {
-    WindowRecord *w = omWindowRecord(hwnd);
-    if (!w)
-        return;
-    std::lock_guard lock(om::core::windowSiblingMutex());
-    if (!w->nextSibling && !w->prevSibling)
-        return;
-    WindowRecord *parent = listParent(*w);
-    HWND last = lastOfList(hwnd, *w);
-    if (last == hwnd)
-        return;
-    unlinkLocked(hwnd, *w, parent);
-    WindowRecord *l = omWindowRecord(last);
-    w->prevSibling = last;
-    if (l)
-        l->nextSibling = hwnd;
-    refreshHeads(hwnd, parent);
+    moveToEnd(hwnd, false);
 }
 
 extern "C" OLMO_API void omZOrderInsertAfter(HWND hwnd, HWND after)

@@ -413,7 +413,10 @@ extern "C" int WSAAPI omWsSetSockOpt(SOCKET s, int level, int optname, const cha
     return ::setsockopt(fd, level, optname, optval, len) == 0 ? 0 : failErrno();
 }
 
-extern "C" int WSAAPI omWsGetSockName(SOCKET s, struct sockaddr *name, int *namelen)
+namespace {
+// getsockname and getpeername, which share their checks.
+int socketName(SOCKET s, struct sockaddr *name, int *namelen,
+               int (*query)(int, struct sockaddr *, socklen_t *))
 {
     int fd = socketFd(s);
     if (fd < 0)
@@ -421,24 +424,21 @@ extern "C" int WSAAPI omWsGetSockName(SOCKET s, struct sockaddr *name, int *name
     socklen_t len;
     if (!name || !lengthIn(namelen, len))
         return fail(WSAEFAULT);
-    if (::getsockname(fd, name, &len) != 0)
+    if (query(fd, name, &len) != 0)
         return failErrno();
     *namelen = static_cast<int>(len);
     return 0;
 }
+}  // namespace
+
+extern "C" int WSAAPI omWsGetSockName(SOCKET s, struct sockaddr *name, int *namelen)
+{
+    return socketName(s, name, namelen, ::getsockname);
+}
 
 extern "C" int WSAAPI omWsGetPeerName(SOCKET s, struct sockaddr *name, int *namelen)
 {
-    int fd = socketFd(s);
-    if (fd < 0)
-        return SOCKET_ERROR;
-    socklen_t len;
-    if (!name || !lengthIn(namelen, len))
-        return fail(WSAEFAULT);
-    if (::getpeername(fd, name, &len) != 0)
-        return failErrno();
-    *namelen = static_cast<int>(len);
-    return 0;
+    return socketName(s, name, namelen, ::getpeername);
 }
 
 // ---- Event notification ------------------------------------------------

@@ -889,15 +889,7 @@ extern "C" OLMO_API int omTestTakeMessage(HANDLE thread, OmMsgRecord *out)
         MSG m;
         if (!omTestTakeTimerMessage(thread, &m))
             return FALSE;
-        *out = OmMsgRecord{};
-        out->hwnd = m.hwnd;
-        out->message = m.message;
-        out->wParam = m.wParam;
-        out->lParam = m.lParam;
-        out->time = m.time;
-        out->x = m.pt.x;
-        out->y = m.pt.y;
-        out->event.type = kOmNoXEvent;
+        omMsgToRecord(m, out);
         return TRUE;
     }
     q->head = r->link;

@@ -132,13 +132,7 @@ bool fromPosted(MSG *msg, const OmQueueFilter &filter, bool remove, bool uiThrea
     long slot = -1;
     if (!omQueueTake(&filter, &rec, remove, &slot))
         return false;
-    *msg = MSG{};
-    msg->hwnd = rec.hwnd;
-    msg->message = rec.message;
-    msg->wParam = rec.wParam;
-    msg->lParam = rec.lParam;
-    msg->time = rec.time;
-    msg->pt = {rec.x, rec.y};
+    omRecordToMsg(rec, msg);
     if (rec.event.type == KeyPress || rec.event.type == KeyRelease)
         omSetCurrentKeyEvent(&rec.event.xkey);
     if (uiThreads || isMainThread())

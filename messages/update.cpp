@@ -304,16 +304,30 @@ BOOL invalidatePart(HWND hwnd, WindowRecord &w, const RECT &in, BOOL erase)
     return TRUE;
 }
 
-BOOL invalidate(HWND hwnd, const RECT *rect, BOOL erase)
+// The checks InvalidateRect and InvalidateRgn share: null when the call
+// ends there, with *result its answer.
+WindowRecord *invalidationTarget(HWND hwnd, const char *name, BOOL *result)
 {
-    WindowRecord *w = checked(hwnd, "InvalidateRect");
+    *result = FALSE;
+    WindowRecord *w = checked(hwnd, name);
     if (!w)
-        return FALSE;
-    if (foreign(*w))
-        return TRUE;
+        return nullptr;
+    if (foreign(*w)) {
+        *result = TRUE;
+        return nullptr;
+    }
     // Its first exposure paints a window that was never shown.
     if (!exposedOrTiny(*w))
-        return FALSE;
+        return nullptr;
+    return w;
+}
+
+BOOL invalidate(HWND hwnd, const RECT *rect, BOOL erase)
+{
+    BOOL result;
+    WindowRecord *w = invalidationTarget(hwnd, "InvalidateRect", &result);
+    if (!w)
+        return result;
     if (!rect)
         return invalidateWhole(hwnd, *w, erase);
     return invalidatePart(hwnd, *w, *rect, erase);
@@ -379,13 +393,10 @@ BOOL WINAPI InvalidateRect(HWND hWnd, const RECT *lpRect, BOOL bErase)
 
 BOOL WINAPI InvalidateRgn(HWND hWnd, HRGN hRgn, BOOL bErase)
 {
-    WindowRecord *w = checked(hWnd, "InvalidateRgn");
+    BOOL result;
+    WindowRecord *w = invalidationTarget(hWnd, "InvalidateRgn", &result);
     if (!w)
-        return FALSE;
-    if (foreign(*w))
-        return TRUE;
-    if (!exposedOrTiny(*w))
-        return FALSE;
+        return result;
     Region x = hRgn ? omRegionGetXRegion(hRgn) : nullptr;
     if (x) {
         Region copy = XCreateRegion();

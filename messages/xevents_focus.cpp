@@ -18,19 +18,6 @@ void WINAPI omDeActivateWindow(HWND hwnd);
 namespace om::messages {
 namespace {
 
-HWND topLevelOf(HWND hwnd)
-{
-    for (HWND h = hwnd; h;) {
-        WindowRecord *w = omWindowRecord(h);
-        if (!w)
-            return nullptr;
-        if (!(w->style & WS_CHILD) || !w->parent)
-            return h;
-        h = w->parent;
-    }
-    return nullptr;
-}
-
 UINT downMessageOf(unsigned button)
 {
     switch (button) {

@@ -33,19 +33,6 @@ LPARAM screenPoint(int x, int y)
     return MAKELPARAM(x, y);
 }
 
-HWND topLevelOf(HWND hwnd)
-{
-    for (HWND h = hwnd; h;) {
-        WindowRecord *w = omWindowRecord(h);
-        if (!w)
-            return nullptr;
-        if (!(w->style & WS_CHILD) || !w->parent)
-            return h;
-        h = w->parent;
-    }
-    return nullptr;
-}
-
 // A floating tool-bar frame answers for its parent.
 bool isToolbarFrame(const WindowRecord &w)
 {
@@ -248,3 +235,18 @@ extern "C" OLMO_API void DispatchEventToChild(WindowRecord *record, int x, int y
     m.same_screen = True;
     XtDispatchEvent(&motion);
 }
+
+namespace om::messages {
+HWND topLevelOf(HWND hwnd)
+{
+    for (HWND h = hwnd; h;) {
+        WindowRecord *w = omWindowRecord(h);
+        if (!w)
+            return nullptr;
+        if (!(w->style & WS_CHILD) || !w->parent)
+            return h;
+        h = w->parent;
+    }
+    return nullptr;
+}
+}  // namespace om::messages

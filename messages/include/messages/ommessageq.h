@@ -36,6 +36,30 @@ struct OmMsgRecord {
 
 struct OmThreadRecord;
 
+// A record as the MSG retrieval hands out, and back.
+inline void omRecordToMsg(const OmMsgRecord &r, MSG *m)
+{
+    *m = MSG{};
+    m->hwnd = r.hwnd;
+    m->message = r.message;
+    m->wParam = r.wParam;
+    m->lParam = r.lParam;
+    m->time = r.time;
+    m->pt = {r.x, r.y};
+}
+inline void omMsgToRecord(const MSG &m, OmMsgRecord *r)
+{
+    *r = OmMsgRecord{};
+    r->hwnd = m.hwnd;
+    r->message = m.message;
+    r->wParam = m.wParam;
+    r->lParam = m.lParam;
+    r->time = m.time;
+    r->x = m.pt.x;
+    r->y = m.pt.y;
+    r->event.type = kOmNoXEvent;
+}
+
 // A pending WM_TIMER of a thread, kept apart from the posted queue so that
 // at most one waits per window and timer id (see omtimer.h).
 struct OmTimerMsgItem {

@@ -106,6 +106,9 @@ bool routeMotion(HWND hwnd, XEvent &event, bool throughFrame);
 }  // namespace om::messages
 
 namespace om::messages {
+// The top-level window above hwnd (hwnd itself when it is one); null for
+// a dead handle.
+HWND topLevelOf(HWND hwnd);
 // FocusIn and FocusOut of a window's widgets.
 void translateFocus(HWND hwnd, XEvent &event);
 }  // namespace om::messages
