@@ -91,12 +91,18 @@ class ReparentTest : public ::testing::Test
     static std::vector<Widget> childrenOf(Widget composite)
     {
         auto *cw = reinterpret_cast<CompositeWidget>(composite);
-        return {cw->composite.children, cw->composite.children + cw->composite.num_children};
+        std::vector<Widget> kids;
+        for (Cardinal i = 0; i < cw->composite.num_children; ++i)
+            kids.push_back(cw->composite.children[i]);
+        return kids;
     }
     static long occurrences(Widget composite, Widget w)
     {
-        auto kids = childrenOf(composite);
-        return std::count(kids.begin(), kids.end(), w);
+        auto *cw = reinterpret_cast<CompositeWidget>(composite);
+        long n = 0;
+        for (Cardinal i = 0; i < cw->composite.num_children; ++i)
+            n += cw->composite.children[i] == w;
+        return n;
     }
     static bool holds(Widget composite, Widget w) { return occurrences(composite, w) > 0; }
     int mapState(Widget w)
