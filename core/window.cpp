@@ -29,8 +29,6 @@ int bCreatingMDIChild = 0;
 
 }  // namespace
 
-// Child windows are built by the child-window module.
-OM_PLACEHOLDER(int, omCreateChildWindow, (HWND, int), -1)
 
 // ---------------------------------------------------------------------------
 // Handles, records and threads.
@@ -308,7 +306,6 @@ extern "C" OLMO_API HWND _omCreateWindowEx(DWORD exStyle, LPCSTR className, LPCS
             !std::strcmp(omServerVendor, "NetManage XoftWare for Windows"))
             w->configured = true;
         w->thread = omHandleValue(GetCurrentThread());
-    w->creator = pthread_self();
         w->creator = pthread_self();
         w->motionless = motionless != 0;
         w->redraw = true;

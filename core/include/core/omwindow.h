@@ -265,9 +265,36 @@ OLMO_API void omRunIdleDrain(void);
 // drain, or waits up to waitMs.  Main thread.
 OLMO_API int omPumpXEvents(unsigned waitMs);
 
-// Showing (the early slice of the showing module).
+// Showing, moving and sizing (winmgmt/).
 OLMO_API void omShowWindowCurrent(HWND hwnd);
 OLMO_API void omHideWindow(HWND hwnd);
+// WM_MOVE with the client origin in the parent's client coordinates.
+OLMO_API void omSendMoveMessage(HWND hwnd);
+// WM_SIZE from the canvas and the frame's state.
+OLMO_API void omSendSizeMessage(HWND hwnd);
+// The arguments of that WM_SIZE; with dialogRule, FALSE for a dialog
+// not yet exposed (it gets no WM_SIZE).
+OLMO_API BOOL omSizeMessageArgs(HWND hwnd, BOOL dialogRule, WPARAM *type, LPARAM *size);
+
+// Child windows (core/childwindow.cpp).
+// 0 or -1 (the caller destroys the window); send is 1 from CreateWindowEx,
+// 0 from the window cache, which calls the creation procedure directly.
+OLMO_API int omCreateChildWindow(HWND hwnd, int send);
+OLMO_API void omMDIGetDefaultGeometry(HWND hwnd, int *x, int *y, int *cx, int *cy);
+// Builds the child's XoBorder frame ("ChildWindow"), or updates an
+// existing one from the record.
+OLMO_API void omCreateChildCanvas(HWND hwnd);
+// What WM_NCCREATE of a child does in the default procedure: the frame,
+// the "ChildScrolledWindow" and the drawing area.  FALSE when the child
+// has no frame afterwards.
+OLMO_API BOOL omCreateChildClientArea(HWND hwnd);
+OLMO_API void omFinishCreatingChild(HWND hwnd);
+OLMO_API unsigned _omXoDecorationsFromStyle(const WindowRecord *record);
+// Set whenever WM_NCCREATE reaches the default procedure.
+OLMO_API extern int bNCCreate;
+// Automatically scrolled client areas (the form-view support).
+OLMO_API extern int bAutoScrolledWindow;
+OLMO_API extern int bCreatingCFormView;
 
 // The client rectangle the graphics layer's GetClientRect answers: the
 // canvas widget's size as last set or reported, never asked of the server.
