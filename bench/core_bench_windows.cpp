@@ -60,6 +60,33 @@ void BM_CreateWindowExA_HiddenTopLevel(benchmark::State &state)
 }
 BENCHMARK(BM_CreateWindowExA_HiddenTopLevel)->Unit(benchmark::kMicrosecond);
 
+// Guards the cost of a child window's whole life inside a shown parent:
+// record, the frame, scrolled window and drawing area, the creation
+// messages with WM_SIZE and WM_PARENTNOTIFY, mapping, destruction, and the
+// event loop's next pass.  Arg 0: a plain child; 1: with caption, system
+// menu and sizing border.
+void BM_CreateWindowExA_Child(benchmark::State &state)
+{
+    if (!ready(state))
+        return;
+    HWND parent = CreateWindowExA(0, benchClass(), "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0,
+                                  400, 300, nullptr, nullptr, nullptr, nullptr);
+    DWORD style = WS_CHILD | WS_VISIBLE;
+    if (state.range(0))
+        style |= WS_CAPTION | WS_SYSMENU | WS_THICKFRAME;
+    for (int i = 0; i < 20; ++i)
+        omPumpXEvents(5);
+    for (auto _ : state) {
+        HWND h = CreateWindowExA(0, benchClass(), "Child", style, 10, 10, 200, 100, parent,
+                                 reinterpret_cast<HMENU>(1), nullptr, nullptr);
+        DestroyWindow(h);
+        omPumpXEvents(0);
+    }
+    DestroyWindow(parent);
+    omRunIdleDrain();
+}
+BENCHMARK(BM_CreateWindowExA_Child)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
+
 // Guards the per-message cost of keeping a pointer in window data: a
 // handle check and a record field, no lock and no server.
 void BM_SetWindowLongPtrA_UserData(benchmark::State &state)

@@ -100,10 +100,26 @@ BOOL hookWindowRect(HWND hwnd, RECT *r)
     WindowRecord *w = omWindowRecord(hwnd);
     if (!w || !r)
         return FALSE;
-    int x = w->x, y = w->y;
-    if (w->shellWidget && !(w->style & WS_CHILD))
+    int x = w->x, y = w->y, cx = w->cx, cy = w->cy;
+    if (w->shellWidget && !(w->style & WS_CHILD)) {
         widgetRootOrigin(w->shellWidget, &x, &y);
-    *r = {x, y, x + w->cx, y + w->cy};
+    } else if (w->shellWidget) {
+        // A child's frame as it was last laid out, its X border included.
+        Widget frame = w->shellWidget;
+        int b = frame->core.border_width;
+        widgetRootOrigin(frame, &x, &y);
+        x -= b;
+        y -= b;
+        cx = frame->core.width + 2 * b;
+        cy = frame->core.height + 2 * b;
+    } else if (WindowRecord *p = omWindowRecord(w->parent); p && p->canvasWidget) {
+        // A windowless child lives in its parent's client coordinates.
+        int px, py;
+        widgetRootOrigin(p->canvasWidget, &px, &py);
+        x += px;
+        y += py;
+    }
+    *r = {x, y, x + cx, y + cy};
     return TRUE;
 }
 

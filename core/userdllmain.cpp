@@ -157,6 +157,7 @@ extern "C" OLMO_API int _ominit_userdll(void)
         std::puts("DLLTRACE: _ominit_userdll called");
     initExports();
     om::core::registerGraphicsHooks();
+    om::core::registerFrameUpcalls();
     omAsyncSelectRegisterHooks();
     return 1;
 }

@@ -347,6 +347,8 @@ extern "C" OLMO_API HWND _omCreateWindowEx(DWORD exStyle, LPCSTR className, LPCS
         }
         if (!omIsWindow(hwnd))
             return nullptr;
+        if ((style & WS_CHILD) && (style & WS_DISABLED) && !foreign)
+            EnableWindow(hwnd, FALSE);
         if (c->hasBackgroundPixel && w->canvasWidget)
             XtVaSetValues(w->canvasWidget, XmNbackground, c->backgroundPixel, nullptr);
         if (exStyle & WS_EX_ACCEPTFILES)

@@ -44,15 +44,6 @@ bool ownedByCaller(const WindowRecord &w)
     return omThreadRecordFromHandle(w.thread) == omCurrentThreadRecord();
 }
 
-// The frame widget moves and sizes the window itself from the X events it
-// receives, so a non-client message the program left alone still reaches
-// it.
-void leaveToFrame(LRESULT answer, bool throughFrame, HWND hwnd, XEvent &ev)
-{
-    if (!answer && throughFrame && omIsWindow(hwnd))
-        XtDispatchEvent(&ev);
-}
-
 struct Buttons {
     UINT clientDown, ncUp;
     unsigned vk;
@@ -122,9 +113,10 @@ bool routeButtonPress(HWND hwnd, XEvent &ev, bool throughFrame)
     if (hit != HTCLIENT) {
         UINT message = nonClientPress(hwnd, b);
         HWND to = throughFrame && isToolbarFrame(*w) && w->parent ? w->parent : hwnd;
-        LRESULT answer = SendMessageA(to, message, static_cast<WPARAM>(hit),
-                                      screenPoint(b.x_root, b.y_root));
-        leaveToFrame(answer, throughFrame, hwnd, ev);
+        // The frame widget gets the press back from the default window
+        // procedure, so a program that handles the message itself keeps
+        // the frame from acting, as on Windows.
+        SendMessageA(to, message, static_cast<WPARAM>(hit), screenPoint(b.x_root, b.y_root));
         return true;
     }
     clientPress(hwnd, *w, ev);
@@ -136,23 +128,29 @@ bool routeButtonPress(HWND hwnd, XEvent &ev, bool throughFrame)
     return true;
 }
 
-bool routeButtonRelease(HWND hwnd, XEvent &ev, bool throughFrame)
+bool routeButtonRelease(HWND hwnd, XEvent &ev, bool)
 {
     WindowRecord *w = omWindowRecord(hwnd);
     if (!w || !(w->style & WS_CHILD) || isWheel(ev.xbutton.button) || GetCapture())
         return false;
     const XButtonEvent &b = ev.xbutton;
+    Buttons info = buttonsOf(b.button);
+    // A frame moving or sizing holds the pointer: its release ends that,
+    // wherever the pointer is now.
+    if (XoGetSizeStatus() || XoGetMoveStatus()) {
+        omVirKeyState[info.vk] = 0;
+        XtDispatchEvent(&ev);
+        return true;
+    }
     LRESULT hit = SendMessageA(hwnd, WM_NCHITTEST, 0, screenPoint(b.x_root, b.y_root));
     if (!omIsWindow(hwnd))
         return true;
     if (hit == HTCLIENT)
         return false;
-    Buttons info = buttonsOf(b.button);
     omVirKeyState[info.vk] = 0;
     // A tab control reads the part it was released over from wParam.
     WPARAM wParam = w->kind == OM_WK_TABCTRL ? static_cast<WPARAM>(hit) : 0;
-    LRESULT answer = SendMessageA(hwnd, info.ncUp, wParam, screenPoint(b.x_root, b.y_root));
-    leaveToFrame(answer, throughFrame, hwnd, ev);
+    SendMessageA(hwnd, info.ncUp, wParam, screenPoint(b.x_root, b.y_root));
     return true;
 }
 
@@ -188,9 +186,7 @@ bool routeMotion(HWND hwnd, XEvent &ev, bool throughFrame)
         return true;
     if (hit == HTCLIENT)
         return false;
-    LRESULT answer = SendMessageA(hwnd, WM_NCMOUSEMOVE, static_cast<WPARAM>(hit),
-                                  screenPoint(m.x_root, m.y_root));
-    leaveToFrame(answer, throughFrame, hwnd, ev);
+    SendMessageA(hwnd, WM_NCMOUSEMOVE, static_cast<WPARAM>(hit), screenPoint(m.x_root, m.y_root));
     return true;
 }
 

@@ -971,6 +971,12 @@ OLMO_API void XoRegisterUpcalls(const XoUpcalls *table)
     registeredUpcalls = table ? *table : XoUpcalls{};
 }
 
+OLMO_API void XoGetUpcalls(XoUpcalls *table)
+{
+    if (table)
+        *table = registeredUpcalls;
+}
+
 OLMO_API Widget XoCreateBorder(Widget parent, const char *name, ArgList args, Cardinal count)
 {
     return XtCreateWidget(name, xoBorderWidgetClass, parent, args, count);

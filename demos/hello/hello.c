@@ -3,8 +3,10 @@
  * program for Windows is.  It grows with the library; today it runs the
  * classic message loop over one top-level window, "Olmo demo", which paints
  * itself (WM_PAINT), counts down with a timer, shows where it was clicked
- * and what was typed, and quits when the window manager closes it or the
- * number of seconds given on the command line has passed.
+ * and what was typed, holds a few child windows (framed ones can be dragged
+ * by their caption and sized by their edges), and quits when the window
+ * manager closes it or the number of seconds given on the command line has
+ * passed.
  */
 #include <windows.h>
 #include <windowsx.h>
@@ -62,6 +64,63 @@ static void paint(HWND hwnd, const DemoState *s)
     EndPaint(hwnd, &ps);
 }
 
+/* A child window: paints its client size and how often it was moved. */
+static LRESULT CALLBACK NoteProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam)
+{
+    switch (msg) {
+    case WM_MOVE:
+        SetWindowLongPtrA(hwnd, GWLP_USERDATA, GetWindowLongPtrA(hwnd, GWLP_USERDATA) + 1);
+        InvalidateRect(hwnd, NULL, TRUE);
+        return 0;
+    case WM_SIZE:
+        InvalidateRect(hwnd, NULL, TRUE);
+        return 0;
+    case WM_PAINT: {
+        PAINTSTRUCT ps;
+        HDC dc = BeginPaint(hwnd, &ps);
+        RECT client;
+        char line[64];
+        GetClientRect(hwnd, &client);
+        snprintf(line, sizeof line, "%ld x %ld", (long)client.right, (long)client.bottom);
+        SetBkMode(dc, TRANSPARENT);
+        TextOutA(dc, 6, 4, line, (int)strlen(line));
+        snprintf(line, sizeof line, "moves: %ld", (long)GetWindowLongPtrA(hwnd, GWLP_USERDATA));
+        TextOutA(dc, 6, 22, line, (int)strlen(line));
+        EndPaint(hwnd, &ps);
+        return 0;
+    }
+    }
+    return DefWindowProcA(hwnd, msg, wParam, lParam);
+}
+
+static void createChildren(HWND parent, HINSTANCE instance)
+{
+    static const struct {
+        DWORD style, exStyle;
+        int x, y, cx, cy;
+        const char *title;
+    } notes[] = {
+        {WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_MINIMIZEBOX | WS_MAXIMIZEBOX, 0, 20, 170,
+         190, 120, "Drag me"},
+        {WS_CAPTION | WS_SYSMENU | WS_THICKFRAME, 0, 230, 170, 150, 100, "Size me"},
+        {WS_BORDER, 0, 400, 170, 120, 60, NULL},
+        {0, WS_EX_CLIENTEDGE, 400, 250, 120, 60, NULL},
+    };
+    WNDCLASSA wc;
+    size_t i;
+    ZeroMemory(&wc, sizeof wc);
+    wc.lpfnWndProc = NoteProc;
+    wc.hInstance = instance;
+    wc.hbrBackground = (HBRUSH)(COLOR_WINDOW + 1);
+    wc.lpszClassName = "OlmoNote";
+    RegisterClassA(&wc);
+    for (i = 0; i < sizeof notes / sizeof notes[0]; i++)
+        CreateWindowExA(notes[i].exStyle, "OlmoNote", notes[i].title,
+                        WS_CHILD | WS_VISIBLE | notes[i].style, notes[i].x, notes[i].y,
+                        notes[i].cx, notes[i].cy, parent, (HMENU)(INT_PTR)(100 + i), instance,
+                        NULL);
+}
+
 static LRESULT CALLBACK DemoProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam)
 {
     DemoState *s = (DemoState *)GetWindowLongPtrA(hwnd, GWLP_USERDATA);
@@ -71,6 +130,7 @@ static LRESULT CALLBACK DemoProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lPar
         SetWindowLongPtrA(hwnd, GWLP_USERDATA, (LONG_PTR)s);
         if (s->secondsLeft > 0)
             SetTimer(hwnd, DEMO_TIMER, 1000, NULL);
+        createChildren(hwnd, ((CREATESTRUCTA *)lParam)->hInstance);
         return 0;
     case WM_PAINT:
         paint(hwnd, s);
@@ -142,7 +202,7 @@ int WINAPI WinMain(HINSTANCE hInstance, HINSTANCE hPrevInstance, LPSTR lpCmdLine
         return 1;
     }
     hwnd = CreateWindowA("OlmoDemo", "Olmo demo", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT,
-                         CW_USEDEFAULT, 480, 320, NULL, NULL, hInstance, &state);
+                         CW_USEDEFAULT, 560, 400, NULL, NULL, hInstance, &state);
     if (!hwnd) {
         printf("  no window: CreateWindowA failed\n");
         return 1;

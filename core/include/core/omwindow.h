@@ -276,6 +276,11 @@ OLMO_API void omSendSizeMessage(HWND hwnd);
 // not yet exposed (it gets no WM_SIZE).
 OLMO_API BOOL omSizeMessageArgs(HWND hwnd, BOOL dialogRule, WPARAM *type, LPARAM *size);
 
+// Set while SetParent moves a window's widgets (focus tracking and
+// ShowWindow look at it).
+OLMO_API extern int bInSetParent;
+OLMO_API void omDecorateFloatingControlBar(HWND newParent, HWND child);
+
 // Child windows (core/childwindow.cpp).
 // 0 or -1 (the caller destroys the window); send is 1 from CreateWindowEx,
 // 0 from the window cache, which calls the creation procedure directly.
@@ -290,6 +295,10 @@ OLMO_API void omCreateChildCanvas(HWND hwnd);
 OLMO_API BOOL omCreateChildClientArea(HWND hwnd);
 OLMO_API void omFinishCreatingChild(HWND hwnd);
 OLMO_API unsigned _omXoDecorationsFromStyle(const WindowRecord *record);
+// Non-zero while a child's frame sends the SC_MOVE or SC_SIZE that starts
+// a pointer drag: the frame tracks the pointer itself, so the default
+// procedure must not start the keyboard move or size.
+OLMO_API int omFrameTrackingPointer(void);
 // Set whenever WM_NCCREATE reaches the default procedure.
 OLMO_API extern int bNCCreate;
 // Automatically scrolled client areas (the form-view support).
@@ -350,8 +359,10 @@ LRESULT send(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam);
 int createOverlappedWindow(HWND hwnd, WindowRecord &w);
 int createPopupWindow(HWND hwnd, WindowRecord &w, HWND parentArg);
 
-// Hands the graphics layer the window callbacks (start-up).
+// Hands the graphics layer the window callbacks, and the child-window
+// frame its upcalls (start-up).
 void registerGraphicsHooks();
+void registerFrameUpcalls();
 
 // UTF-8 to UTF-16 (the W entries).
 std::u16string toWide(const char *utf8);

@@ -39,5 +39,7 @@ typedef struct {
 
 // Copies the record; a later call replaces it, NULL clears it.
 OLMO_API void XoRegisterUpcalls(const XoUpcalls *upcalls);
+// The record registered now (all null when none is).
+OLMO_API void XoGetUpcalls(XoUpcalls *upcalls);
 
 OLMO_END_C
