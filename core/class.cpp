@@ -190,6 +190,7 @@ ATOM registerClass(const WNDCLASSEXA &wc, bool ex, const char *function)
     c->background = wc.hbrBackground;
     if (ex)
         c->smallIcon = wc.hIconSm;
+    c->reparentProc = omDefReparentProc;
     c->hasBackgroundPixel = backgroundPixelOf(c->background, &c->backgroundPixel);
     if (wc.lpszMenuName && !isOrdinal(wc.lpszMenuName))
         c->menuNameMemory = lockedCopy(wc.lpszMenuName, &c->menuName);

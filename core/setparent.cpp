@@ -4,6 +4,8 @@
 #include "core/omwindow.h"
 
 #include "kernel/omdisplay.h"
+#include "kernel/omplaceholder.h"
+#include "kernel/omwidgetmap.h"
 #include "widgets/XoBorder.h"
 #include "widgets/reparent.h"
 
@@ -117,4 +119,43 @@ extern "C" HWND WINAPI SetParent(HWND hWndChild, HWND hWndNewParent)
     updateHwndLists(hWndChild, *w, oldParent, hWndNewParent);
     bInSetParent = 0;
     return oldParent;
+}
+
+// The built-in controls move their widgets themselves.
+OM_PLACEHOLDER(int, omEditReparent, (HWND, int), 1)
+OM_PLACEHOLDER(int, omButtonReparent, (HWND, int), 1)
+OM_PLACEHOLDER(int, omListboxReparent, (HWND, int), 1)
+OM_PLACEHOLDER(int, omComboboxReparent, (HWND, int), 1)
+OM_PLACEHOLDER(int, omStaticReparent, (HWND, int), 1)
+OM_PLACEHOLDER(int, omMdiReparent, (HWND, int), 1)
+OM_PLACEHOLDER(int, omScrollBarReparent, (HWND, int), 1)
+
+extern "C" OLMO_API int omDefReparentProc(HWND hwnd, int flag)
+{
+    WindowRecord *w = omWindowRecord(hwnd);
+    if (!w)
+        return 0;
+    switch (w->kind) {
+    case OM_WK_EDIT: return omEditReparent(hwnd, flag);
+    case OM_WK_BUTTON: return omButtonReparent(hwnd, flag);
+    case OM_WK_LISTBOX: return omListboxReparent(hwnd, flag);
+    case OM_WK_COMBOBOX: return omComboboxReparent(hwnd, flag);
+    case OM_WK_STATIC: return omStaticReparent(hwnd, flag);
+    case OM_WK_MDICLIENT: return omMdiReparent(hwnd, flag);
+    case OM_WK_SCROLLBAR: return omScrollBarReparent(hwnd, flag);
+    default: break;
+    }
+    if (!flag) {
+        omCreateChildWindow(hwnd, 0);
+        return 1;
+    }
+    OmAppLock lock;
+    Widget shell = w->shellWidget;
+    omClearWidgetData(w->shellWidget);
+    omClearWidgetData(w->frameWidget);
+    omClearWidgetData(w->canvasWidget);
+    w->shellWidget = w->frameWidget = w->canvasWidget = nullptr;
+    if (shell)
+        XtDestroyWidget(shell);
+    return 1;
 }

@@ -39,15 +39,6 @@ WindowRecord *dataRecord(HWND hwnd, const char *function)
 }
 
 // Re-applies a changed style to the widgets of a top-level window.
-void changeWindowStyle(WindowRecord &w)
-{
-    if (!w.shellWidget || (w.style & WS_CHILD) || (w.exStyle & kOmExForeign))
-        return;
-    unsigned d = _omMwmDecorationsFromStyle(&w);
-    XtVaSetValues(w.shellWidget, XmNmwmDecorations, d, XmNmwmFunctions,
-                  _omMwmFunctionsFromDecorations(d), nullptr);
-}
-
 LONG_PTR setStyle(HWND hwnd, WindowRecord &w, int index, DWORD value)
 {
     DWORD &field = index == GWL_STYLE ? w.style : w.exStyle;
@@ -69,7 +60,7 @@ LONG_PTR setStyle(HWND hwnd, WindowRecord &w, int index, DWORD value)
     if (index == GWL_STYLE) {
         hWndSWL = hwnd;
         if ((old ^ value) & 0xFFFF0000u)
-            changeWindowStyle(w);
+            omChangeWindowStyle(hwnd, old, value);
     }
     ss = {old, value};
     om::core::send(hwnd, WM_STYLECHANGED, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&ss));

@@ -372,3 +372,56 @@ TEST_F(Children, ScreenshotShowsCaptionsBordersAndEdges)
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(Children, StyleChangesReachTheFrame)
+{
+    HWND h = child(kCases[0]);
+    ASSERT_NE(h, nullptr);
+    WindowRecord *w = omWindowRecord(h);
+    Widget frame = w->shellWidget;
+    auto decorations = [&] {
+        int d = -1;
+        XtVaGetValues(frame, XoNdecorations, &d, nullptr);
+        return d;
+    };
+    EXPECT_EQ(decorations(), 0);
+    SetWindowLongA(h, GWL_STYLE, WS_CHILD | WS_VISIBLE | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME);
+    EXPECT_EQ(decorations(), 2 | 4 | 8 | 16);
+    SetWindowLongA(h, GWL_STYLE, WS_CHILD | WS_VISIBLE | WS_BORDER);
+    EXPECT_EQ(decorations(), 0);
+    EXPECT_EQ(frame->core.border_width, 1);
+    SetWindowLongA(h, GWL_STYLE, WS_CHILD | WS_VISIBLE | WS_MAXIMIZE);
+    int state = 0;
+    XtVaGetValues(frame, XoNstate, &state, nullptr);
+    EXPECT_EQ(state, XoSTATE_MAXIMIZED);
+    EXPECT_EQ(frame->core.border_width, 0);
+    // The geometry the frame had is kept through the change.
+    SetWindowLongA(h, GWL_STYLE, WS_CHILD | WS_VISIBLE);
+    XtVaGetValues(frame, XoNstate, &state, nullptr);
+    EXPECT_EQ(state, XoSTATE_NORMAL);
+    EXPECT_EQ(frame->core.x, 10);
+    EXPECT_EQ(frame->core.width, 100);
+}
+
+TEST_F(Children, DefaultReparentProcedureDropsAndRebuildsTheWidgets)
+{
+    HWND h = child(kCases[2]);
+    ASSERT_NE(h, nullptr);
+    WindowRecord *w = omWindowRecord(h);
+    ASSERT_EQ(w->windowClass->reparentProc, omDefReparentProc);
+    EXPECT_EQ(w->windowClass->reparentProc(h, 1), 1);
+    EXPECT_EQ(w->shellWidget, nullptr);
+    EXPECT_EQ(w->canvasWidget, nullptr);
+    received().clear();
+    EXPECT_EQ(w->windowClass->reparentProc(h, 0), 1);
+    ASSERT_NE(w->shellWidget, nullptr);
+    EXPECT_TRUE(XoIsBorder(w->shellWidget));
+    EXPECT_EQ(omWidgetTohWnd(w->canvasWidget), h);
+    // The cache's rebuild goes to the creation procedure, not the program.
+    for (const auto &r : received())
+        EXPECT_FALSE(r.hwnd == h && r.msg == WM_NCCREATE);
+}
+
+}  // namespace

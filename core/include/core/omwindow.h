@@ -280,6 +280,12 @@ OLMO_API BOOL omSizeMessageArgs(HWND hwnd, BOOL dialogRule, WPARAM *type, LPARAM
 // ShowWindow look at it).
 OLMO_API extern int bInSetParent;
 OLMO_API void omDecorateFloatingControlBar(HWND newParent, HWND child);
+// The reparent procedure of program classes: flag 0 builds the widgets of
+// a window that has none (as a child), any other flag drops them.
+OLMO_API int omDefReparentProc(HWND hwnd, int flag);
+// Re-applies a changed style to the window's widgets: the window manager's
+// decorations of a top-level window, the frame of a child.
+OLMO_API void omChangeWindowStyle(HWND hwnd, DWORD oldStyle, DWORD newStyle);
 
 // Child windows (core/childwindow.cpp).
 // 0 or -1 (the caller destroys the window); send is 1 from CreateWindowEx,
