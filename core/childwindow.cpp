@@ -73,6 +73,22 @@ bool kindDrawsBorder(const WindowRecord &w)
     return (w.kind & 4) != 0;
 }
 
+// The width of the edge WS_EX_CLIENTEDGE (2) or WS_EX_STATICEDGE (1)
+// gives a window that does not draw its own border.
+Dimension edgeWidth(const WindowRecord &w)
+{
+    switch (w.kind) {
+    case OM_WK_DIALOG: case OM_WK_EDIT: case OM_WK_BUTTON: case OM_WK_LISTBOX:
+    case OM_WK_COMBOBOX: case OM_WK_STATIC: case OM_WK_SCROLLBAR:
+        return 0;
+    default:
+        break;
+    }
+    if (w.exStyle & WS_EX_CLIENTEDGE)
+        return 2;
+    return (w.exStyle & WS_EX_STATICEDGE) ? 1 : 0;
+}
+
 HWND frameWindow(Widget frame)
 {
     HWND hwnd = nullptr;
@@ -328,8 +344,11 @@ extern "C" OLMO_API void omCreateChildCanvas(HWND hwnd)
         XtSetArg(args[n], XmNy, static_cast<Position>(w->y)), ++n;
         XtSetArg(args[n], XmNwidth, static_cast<Dimension>(std::max(w->cx, 1))), ++n;
         XtSetArg(args[n], XmNheight, static_cast<Dimension>(std::max(w->cy, 1))), ++n;
-        XtSetArg(args[n], XmNmarginWidth, 0), ++n;
-        XtSetArg(args[n], XmNmarginHeight, 0), ++n;
+        // A client edge is drawn in the frame's margin, around the client
+        // area, as WM_NCCALCSIZE reports it.
+        Dimension margin = edgeWidth(*w);
+        XtSetArg(args[n], XmNmarginWidth, margin), ++n;
+        XtSetArg(args[n], XmNmarginHeight, margin), ++n;
         XtSetArg(args[n], XoNdecorations, static_cast<int>(_omXoDecorationsFromStyle(w))), ++n;
         XtSetArg(args[n], XoNdisplayState, XoDISPLAY_INACTIVE), ++n;
         XtSetArg(args[n], XmNmappedWhenManaged, False), ++n;

@@ -117,6 +117,11 @@ TEST_F(Children, StylesGiveTheirWidgetsGeometryAndMessages)
         EXPECT_EQ(frame->core.width, std::max(c.wantCx, 1));
         EXPECT_EQ(frame->core.height, std::max(c.wantCy, 1));
         EXPECT_EQ(frame->core.border_width, c.borderWidth);
+        // A client edge takes two pixels on every side of the client area.
+        if (c.exStyle & WS_EX_CLIENTEDGE) {
+            EXPECT_EQ(w->canvasWidget->core.width, frame->core.width - 4);
+            EXPECT_EQ(w->canvasWidget->core.height, frame->core.height - 4);
+        }
         int decorations = -1;
         XtVaGetValues(frame, XoNdecorations, &decorations, nullptr);
         EXPECT_EQ(decorations, static_cast<int>(c.decorations));
