@@ -40,16 +40,35 @@ XtActionsRec actions[] = {
     {"XoBorderKey", keyAction},
 };
 
+// Our resource names and classes in padded storage (Motif's own are in
+// its library).  Xrm keeps the first copy
+// of a name it meets as the quark's string and compares a later name with
+// the same hash against it with memcmp over the later name's length; a
+// shorter literal then looks over-read to AddressSanitizer, although the
+// comparison stops at the first differing byte.
+template <size_t N> struct PaddedName {
+    char text[N + 32]{};
+    constexpr PaddedName(const char (&s)[N])
+    {
+        for (size_t i = 0; i < N; ++i)
+            text[i] = s[i];
+    }
+};
+template <PaddedName S> constexpr auto padded = S;
+#define NAME(s) const_cast<char *>(padded<PaddedName(s)>.text)
+
 #define OFF(field) XtOffsetOf(XoBorderRec, border.field)
 #define INT_RES(name, cls, field, def)                                                             \
-    {name, cls, XmRInt, sizeof(int), OFF(field), XmRImmediate, reinterpret_cast<XtPointer>(def)}
+    {NAME(name), NAME(cls), XmRInt, sizeof(int), OFF(field), XmRImmediate,                       \
+     reinterpret_cast<XtPointer>(def)}
 #define PIXEL_RES(name, cls, field, def)                                                           \
-    {name, cls, XmRPixel, sizeof(Pixel), OFF(field), XmRString, const_cast<char *>(def)}
+    {NAME(name), cls, XmRPixel, sizeof(Pixel), OFF(field), XmRString,                      \
+     const_cast<char *>(def)}
 
 XtResource resources[] = {
     INT_RES(XoNdecorations, XoCDecorations, decorations, 0),
     INT_RES(XoNdisplayState, XoCDisplayState, display_state, XoDISPLAY_INACTIVE),
-    {XoNtitle, XoCTitle, XmRXmString, sizeof(XmString), OFF(title), XmRImmediate, nullptr},
+    {NAME(XoNtitle), NAME(XoCTitle), XmRXmString, sizeof(XmString), OFF(title), XmRImmediate, nullptr},
     {XmNiconName, XmCIconName, XmRString, sizeof(String), OFF(icon_name), XmRImmediate, nullptr},
     {XmNiconPixmap, XmCIconPixmap, XmRPixmap, sizeof(Pixmap), OFF(icon_pixmap), XmRImmediate,
      reinterpret_cast<XtPointer>(None)},
@@ -71,7 +90,7 @@ XtResource resources[] = {
      XmRImmediate, reinterpret_cast<XtPointer>(0)},
     {XmNmarginHeight, XmCMarginHeight, XmRVerticalDimension, sizeof(Dimension),
      OFF(margin_height), XmRImmediate, reinterpret_cast<XtPointer>(0)},
-    {XoNcaptionFont, XoCCaptionFont, XmRString, sizeof(String), OFF(caption_font_name),
+    {NAME(XoNcaptionFont), NAME(XoCCaptionFont), XmRString, sizeof(String), OFF(caption_font_name),
      XmRString, const_cast<char *>("Sans-9:bold")},
     // The classic system colours; the user library sets them from its own.
     PIXEL_RES(XoNactiveCaptionColor, XmCBackground, active_caption, "#000080"),
@@ -85,14 +104,15 @@ XtResource resources[] = {
     PIXEL_RES(XoNbuttonShadowColor, XmCBackground, button_shadow, "#808080"),
     PIXEL_RES(XoNbuttonHighlightColor, XmCBackground, button_highlight, "#FFFFFF"),
     PIXEL_RES(XoNbuttonTextColor, XmCForeground, button_text, "#000000"),
-    {XoNactivateCallback, XmCCallback, XmRCallback, sizeof(XtCallbackList),
+    {NAME(XoNactivateCallback), XmCCallback, XmRCallback, sizeof(XtCallbackList),
      OFF(activate_callback), XmRImmediate, nullptr},
-    {XoNqueryDragIconCallback, XmCCallback, XmRCallback, sizeof(XtCallbackList),
+    {NAME(XoNqueryDragIconCallback), XmCCallback, XmRCallback, sizeof(XtCallbackList),
      OFF(query_drag_icon_callback), XmRImmediate, nullptr},
 };
 
 #undef INT_RES
 #undef PIXEL_RES
+#undef NAME
 #undef OFF
 
 }  // namespace
