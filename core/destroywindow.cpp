@@ -122,6 +122,8 @@ BOOL destroyWindow(HWND hwnd, bool notifyParent)
     if (w.destroying)
         return TRUE;
     w.destroying = true;
+    if (omTopMostOverlappedWindow == hwnd)
+        omTopMostOverlappedWindow = nullptr;
     bool foreign = w.exStyle & kOmExForeign;
     WindowRecord *parent = omWindowRecord(w.parent);
     bool comboChild = (w.style & WS_CHILD) && parent && parent->kind == OM_WK_COMBOBOX;

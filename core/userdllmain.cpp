@@ -94,6 +94,7 @@ void initExports()
     put(OM_UE_omDestroyHWNDsMarkedForDeletion, &omDestroyHWNDsMarkedForDeletion);
     put(OM_UE_omDetachHWNDfromThread, &omDetachHWNDfromThread);
     put(OM_UE_XoBorderPreinitialize, &XoBorderPreinitialize);
+    put(OM_UE_omSetupIconic, &omSetupIconic);
     put(OM_UE_omInitModifierMasks, &omInitModifierMasks);
     put(OM_UE_XK2VK, &XK2VK);
     put(OM_UE_omInitMsgQ, &omInitMsgQ);

@@ -3,6 +3,7 @@
 // itself (or already in the process) and asks it for its entries by name,
 // so that the same kernel serves programs with and without windows.
 #include "kernel/omstartup.h"
+#include "kernel/omdisplay.h"
 #include "kernel/ommodule.h"
 #include "kernel/omthread.h"
 
@@ -102,4 +103,6 @@ extern "C" OLMO_API void omRunUserStartup(void)
         f();
     if (auto f = entry<void (*)(void)>(OM_UE_omWindowCacheStartInit))
         f();
+    if (auto f = entry<void (*)(Widget)>(OM_UE_omSetupIconic); f && omAppShell)
+        f(omAppShell);
 }

@@ -287,6 +287,12 @@ OLMO_API int omDefReparentProc(HWND hwnd, int flag);
 // decorations of a top-level window, the frame of a child.
 OLMO_API void omChangeWindowStyle(HWND hwnd, DWORD oldStyle, DWORD newStyle);
 
+// The top-level window last raised to the top under the Motif window
+// manager (winmgmt/); forgotten when it is destroyed.
+OLMO_API extern HWND omTopMostOverlappedWindow;
+// Keeps track of whether the application shell is iconic (winmgmt/).
+OLMO_API void omSetupIconic(Widget shell);
+
 // Child windows (core/childwindow.cpp).
 // 0 or -1 (the caller destroys the window); send is 1 from CreateWindowEx,
 // 0 from the window cache, which calls the creation procedure directly.
