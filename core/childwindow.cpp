@@ -202,7 +202,8 @@ void ChildActivateCB(Widget frame, XtPointer clientData, XtPointer callData)
     case XoCR_CLIENT_RESIZED:
         // The frame laid its client out anew (a state change, a new
         // decoration): the program hears the new client size.
-        if (w->canvasWidget && !(w->style & WS_MINIMIZE) && hwnd != childBeingCreated)
+        if (w->canvasWidget && !(w->style & WS_MINIMIZE) && hwnd != childBeingCreated &&
+            !omPlacingWindows)
             omSendSizeMessage(hwnd);
         break;
     default:

@@ -281,10 +281,20 @@ void maximize(HWND hwnd, WindowRecord &w)
 
 // The program hears the restored size from the frame (its client is laid
 // out anew) or, for a top-level window, from the server's configuration.
+// A child whose frame leaves the minimised or maximised state hears its
+// restored size, as on Windows; a top-level window hears it from the
+// window manager's configure.
 void restore(HWND hwnd)
 {
+    WindowRecord *w = omWindowRecord(hwnd);
+    bool frame = w && (w->style & WS_CHILD) && w->shellWidget && XoIsBorder(w->shellWidget);
+    int before = XoSTATE_NORMAL;
+    if (frame)
+        XtVaGetValues(w->shellWidget, XoNstate, &before, nullptr);
     short cx = 0, cy = 0;
     omRestoreWindow(hwnd, &cx, &cy);
+    if (frame && before != XoSTATE_NORMAL && omIsWindow(hwnd))
+        omSendSizeMessage(hwnd);
 }
 
 // SW_SHOWNOACTIVATE, SW_SHOW, SW_SHOWNA.
@@ -594,7 +604,10 @@ extern "C" BOOL WINAPI ShowWindow(HWND hWnd, int nCmdShow)
         return FALSE;
     if (!omIsWindow(hWnd))
         return FALSE;
-    return om::core::guarded("ShowWindow", FALSE, [&] { return showWindow(hWnd, nCmdShow); });
+    ++omPlacingWindows;
+    BOOL was = om::core::guarded("ShowWindow", FALSE, [&] { return showWindow(hWnd, nCmdShow); });
+    --omPlacingWindows;
+    return was;
 }
 
 extern "C" BOOL WINAPI IsIconic(HWND hWnd)

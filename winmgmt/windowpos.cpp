@@ -36,6 +36,10 @@ void rootOrigin(Widget w, int *x, int *y)
 
 }  // namespace
 
+extern "C" {
+OLMO_API int omPlacingWindows = 0;
+}
+
 extern "C" OLMO_API void omSendMoveMessage(HWND hwnd)
 {
     WindowRecord *w = omWindowRecord(hwnd);
@@ -411,8 +415,11 @@ extern "C" BOOL WINAPI EndDeferWindowPos(HDWP hWinPosInfo)
         om::core::send(hwnd, WM_WINDOWPOSCHANGING, 0, reinterpret_cast<LPARAM>(e));
         e = &batch->entries[i];
         WINDOWPOS pos = *e;
-        if (!omSetWindowPos(pos.hwnd, pos.hwndInsertAfter, pos.x, pos.y, pos.cx, pos.cy,
-                            &pos.flags))
+        ++omPlacingWindows;
+        int changed = omSetWindowPos(pos.hwnd, pos.hwndInsertAfter, pos.x, pos.y, pos.cx, pos.cy,
+                                     &pos.flags);
+        --omPlacingWindows;
+        if (!changed)
             continue;
         // The program reads where the window went, whatever was asked.
         if (WindowRecord *w = omWindowRecord(pos.hwnd)) {

@@ -293,6 +293,11 @@ OLMO_API extern HWND omTopMostOverlappedWindow;
 // Keeps track of whether the application shell is iconic (winmgmt/).
 OLMO_API void omSetupIconic(Widget shell);
 
+// Non-zero while ShowWindow or SetWindowPos places a window: they send
+// WM_SIZE themselves, so the frame's own report of a new client size is
+// not passed on meanwhile (winmgmt/).
+OLMO_API extern int omPlacingWindows;
+
 // Child windows (core/childwindow.cpp).
 // 0 or -1 (the caller destroys the window); send is 1 from CreateWindowEx,
 // 0 from the window cache, which calls the creation procedure directly.
