@@ -207,25 +207,24 @@ extern "C" OLMO_API void DispatchEventToChild(WindowRecord *record, int x, int y
 {
     if (!record || !record->shellWidget || !XtWindow(record->shellWidget) || !omDisplay)
         return;
-    // The frame follows the pointer from the root position given.
-    Window shell = XtWindow(record->shellWidget), child;
-    int sx = x, sy = y;
-    XTranslateCoordinates(omDisplay, DefaultRootWindow(omDisplay), shell, x, y, &sx, &sy, &child);
+    // The frame follows the pointer from the root position given; its own
+    // position comes from the widget tree, without asking the server.
+    Position fx = 0, fy = 0;
+    XtTranslateCoords(record->shellWidget, 0, 0, &fx, &fy);
     XEvent motion{};
     XMotionEvent &m = motion.xmotion;
     m.type = MotionNotify;
     m.serial = XEventSerial;
-    (void)event;
-    m.send_event = False;
+    m.send_event = True;
     m.display = omDisplay;
-    m.window = shell;
+    m.window = XtWindow(record->shellWidget);
     m.root = DefaultRootWindow(omDisplay);
     m.subwindow = None;
-    m.time = GetMessageTime() + 1;
-    m.x = sx;
-    m.y = sy;
-    m.x_root = 0;
-    m.y_root = 0;
+    m.time = event && event->type == MotionNotify ? event->xmotion.time : GetMessageTime() + 1;
+    m.x = x - fx;
+    m.y = y - fy;
+    m.x_root = x;
+    m.y_root = y;
     m.state = Button1Mask;
     m.is_hint = NotifyNormal;
     m.same_screen = True;
