@@ -115,7 +115,8 @@ OLMO_API void omUserDrawCanvasEdges(HWND hwnd, DWORD exStyle)
         XtVaGetValues(w->shellWidget, XoNdecorations, &decorations, nullptr);
     if (decorations)
         return;
-    HDC dc = GetDC(hwnd);
+    // On the frame: the edge lies in its margin, around the client area.
+    HDC dc = GetWindowDC(hwnd);
     if (!dc)
         return;
     RECT r{0, 0, width, height};

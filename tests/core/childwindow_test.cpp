@@ -367,13 +367,24 @@ TEST_F(Children, ScreenshotShowsCaptionsBordersAndEdges)
             return a.map_state == IsViewable;
         },
         std::chrono::seconds(5), om::test::corePump, "parent canvas viewable"));
-    for (int i = 0; i < 10; ++i)
+    // The frames' exposures post WM_NCPAINT: the client edge is drawn when
+    // the loop hands it out.
+    for (int i = 0; i < 10; ++i) {
         corePump();
+        MSG m;
+        while (PeekMessageA(&m, nullptr, 0, 0, PM_REMOVE))
+            DispatchMessageA(&m);
+    }
     std::string path;
     ASSERT_TRUE(om::test::saveWindowPng(dpy, canvas, om::test::testArtifactName(), &path));
     // The caption bar of the first child is drawn in a caption colour.
     uint32_t caption = om::test::pixelAt(dpy, canvas, 10 + 60, 10 + 10);
     EXPECT_NE(caption, om::test::pixelAt(dpy, canvas, 5, 5));
+    // The client edge: dark on the top-left outer line, light on the
+    // bottom-right one.
+    uint32_t topLeft = om::test::pixelAt(dpy, canvas, 210 + 20, 90);
+    uint32_t bottomRight = om::test::pixelAt(dpy, canvas, 210 + 20, 90 + 59);
+    EXPECT_NE(topLeft, bottomRight);
 }
 
 }  // namespace
