@@ -490,16 +490,13 @@ constexpr long kInputMask = KeyPressMask | KeyReleaseMask | ButtonPressMask | Bu
 constexpr long kMotionlessMask = kInputMask & ~(PointerMotionMask | ButtonMotionMask);
 static_assert(kInputMask == 0x64A07F && kMotionlessMask == 0x64803F);
 
-// Added to what the window already selects, so that the toolkit keeps
-// the events its own handlers asked for.
+// Added to what the toolkit selects for the widget's own handlers and
+// translations, which it knows without asking the server.
 void selectOn(Widget widget, long mask)
 {
     if (!widget || !XtWindow(widget))
         return;
-    XWindowAttributes attrs;
-    long have =
-        XGetWindowAttributes(omDisplay, XtWindow(widget), &attrs) ? attrs.your_event_mask : 0;
-    XSelectInput(omDisplay, XtWindow(widget), have | mask);
+    XSelectInput(omDisplay, XtWindow(widget), static_cast<long>(XtBuildEventMask(widget)) | mask);
 }
 
 }  // namespace

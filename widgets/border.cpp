@@ -9,6 +9,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <map>
+#include <mutex>
+#include <utility>
 
 namespace {
 
@@ -197,13 +200,30 @@ namespace {
 
 XoUpcalls registeredUpcalls{};
 
-// Fills an XftColor from a pixel of the frame's colormap; one round trip,
-// made only when a colour resource changes.
+// Fills an XftColor from a pixel of the frame's colormap.  Where a pixel
+// always means the same colour (the default colormap of a static visual)
+// the server is asked once per pixel: every frame uses the same few system
+// colours, and a round trip per frame made child windows slow to create.
 void xftColorOf(XoBorderWidget w, Pixel pixel, XftColor &out)
 {
+    static std::mutex cacheMutex;
+    static std::map<std::pair<Colormap, Pixel>, XColor> cache;
+    Screen *screen = XtScreen(w);
+    int visualClass = DefaultVisualOfScreen(screen)->c_class;
+    bool stable = w->core.colormap == DefaultColormapOfScreen(screen) &&
+                  (visualClass == TrueColor || visualClass == StaticColor ||
+                   visualClass == StaticGray);
     XColor xc{};
     xc.pixel = pixel;
-    XQueryColor(XtDisplay(w), w->core.colormap, &xc);
+    std::lock_guard lock(cacheMutex);
+    auto key = std::make_pair(w->core.colormap, pixel);
+    if (auto it = cache.find(key); stable && it != cache.end()) {
+        xc = it->second;
+    } else {
+        XQueryColor(XtDisplay(w), w->core.colormap, &xc);
+        if (stable)
+            cache.emplace(key, xc);
+    }
     out.pixel = pixel;
     out.color.red = xc.red;
     out.color.green = xc.green;
