@@ -24,7 +24,8 @@ rm -f "$fifo"
 export DISPLAY=":$number"
 HOME=/nonexistent mwm 2>/dev/null &
 wm=$!
-trap 'kill $wm $xvfb 2>/dev/null || true' EXIT
+# mwm answers SIGTERM with a confirmation dialog of its own: it is killed.
+trap 'kill -9 $wm 2>/dev/null; kill $xvfb 2>/dev/null || true' EXIT
 "$demo" "${@:-4}" &
 app=$!
 build/release/tests/harness/olmo-screenshot build/release/demo.png "Olmo demo" 15 || true

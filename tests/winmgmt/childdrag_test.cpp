@@ -5,6 +5,7 @@
 // end, and the window's rectangle follows.
 #include "winmgmt_fixture.h"
 
+#include "harness/screenshot.h"
 #include "widgets/XoBorder.h"
 
 #include <X11/IntrinsicP.h>
@@ -128,6 +129,7 @@ TEST_F(ChildDrag, CaptionDragMovesTheChild)
     EXPECT_EQ(after.top - before.top, 30);
     EXPECT_EQ(after.right - after.left, before.right - before.left);
     EXPECT_EQ(omWindowRecord(child_)->y, 50);
+    saveWindowPng(omDisplay, canvasWindow(parent_), testArtifactName());
 }
 
 TEST_F(ChildDrag, CornerDragSizesTheChild)
