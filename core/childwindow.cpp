@@ -45,12 +45,6 @@ WindowRecord *parentRecord(const WindowRecord &w)
     return omWindowRecord(w.parent);
 }
 
-LPARAM packPoint(int x, int y)
-{
-    return static_cast<LPARAM>(static_cast<DWORD>(static_cast<WORD>(x)) |
-                               static_cast<DWORD>(static_cast<WORD>(y)) << 16);
-}
-
 // The title the frame shows: the window's text, the parent's, or "Untitled".
 const char *frameTitle(const WindowRecord &w)
 {
@@ -226,7 +220,7 @@ void sendTrackStart(Widget frame, WPARAM command, int x, int y)
     if (!hwnd)
         return;
     ++framePointerTrack;
-    SendMessageA(hwnd, WM_SYSCOMMAND, command, packPoint(x, y));
+    SendMessageA(hwnd, WM_SYSCOMMAND, command, MAKELPARAM(x, y));
     --framePointerTrack;
 }
 
@@ -605,7 +599,7 @@ extern "C" OLMO_API int omCreateChildWindow(HWND hwnd, int send)
             }
         }
         omSendMoveMessage(hwnd);
-        om::core::send(hwnd, WM_SIZE, SIZE_RESTORED, packPoint(cx, cy));
+        om::core::send(hwnd, WM_SIZE, SIZE_RESTORED, MAKELPARAM(cx, cy));
         if (!omIsWindow(hwnd))
             return -1;
     }

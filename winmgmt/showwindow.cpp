@@ -196,12 +196,6 @@ void clearWindowlessArea(const WindowRecord &w, int x, int y, int cx, int cy, Bo
                static_cast<unsigned>(std::abs(cy)), exposures);
 }
 
-LPARAM packSize(int cx, int cy)
-{
-    return static_cast<LPARAM>(static_cast<DWORD>(static_cast<WORD>(cx)) |
-                               static_cast<DWORD>(static_cast<WORD>(cy)) << 16);
-}
-
 // A window moved by SetParent is shown without WM_SHOWWINDOW.
 bool inSetParent()
 {
@@ -249,7 +243,7 @@ void minimize(HWND hwnd, WindowRecord &w, int command)
     omMinimizeWindow(hwnd, &cx, &cy);
     w.style = (w.style | WS_MINIMIZE) & ~WS_MAXIMIZE;
     omHandleWindowActivation(hwnd, command == SW_SHOWMINIMIZED ? 0 : command == SW_MINIMIZE ? 3 : 1);
-    om::core::send(hwnd, WM_SIZE, SIZE_MINIMIZED, packSize(cx, cy));
+    om::core::send(hwnd, WM_SIZE, SIZE_MINIMIZED, MAKELPARAM(cx, cy));
     if (omIsWindow(hwnd))
         w.style |= WS_VISIBLE;
 }
@@ -272,7 +266,7 @@ void maximize(HWND hwnd, WindowRecord &w)
         width = w.canvasWidget->core.width;
         height = w.canvasWidget->core.height;
     }
-    om::core::send(hwnd, WM_SIZE, SIZE_MAXIMIZED, packSize(width, height));
+    om::core::send(hwnd, WM_SIZE, SIZE_MAXIMIZED, MAKELPARAM(width, height));
     if (!omIsWindow(hwnd))
         return;
     omShowWindowCurrent(hwnd);
@@ -661,7 +655,7 @@ extern "C" BOOL WINAPI CloseWindow(HWND hWnd)
     short cx = 0, cy = 0;
     omMinimizeWindow(hWnd, &cx, &cy);
     w.style = (w.style | WS_MINIMIZE) & ~WS_MAXIMIZE;
-    om::core::send(hWnd, WM_SIZE, SIZE_MINIMIZED, packSize(cx, cy));
+    om::core::send(hWnd, WM_SIZE, SIZE_MINIMIZED, MAKELPARAM(cx, cy));
     return TRUE;
 }
 
@@ -673,6 +667,6 @@ extern "C" BOOL WINAPI OpenIcon(HWND hWnd)
         return FALSE;
     short cx = 0, cy = 0;
     omRestoreWindow(hWnd, &cx, &cy);
-    om::core::send(hWnd, WM_SIZE, SIZE_RESTORED, packSize(cx, cy));
+    om::core::send(hWnd, WM_SIZE, SIZE_RESTORED, MAKELPARAM(cx, cy));
     return TRUE;
 }

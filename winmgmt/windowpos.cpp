@@ -18,12 +18,6 @@
 
 namespace {
 
-LPARAM packPoint(int x, int y)
-{
-    return static_cast<LPARAM>(static_cast<DWORD>(static_cast<WORD>(x)) |
-                               static_cast<DWORD>(static_cast<WORD>(y)) << 16);
-}
-
 // The origin of a widget in root coordinates, from the widget tree alone.
 void rootOrigin(Widget w, int *x, int *y)
 {
@@ -62,7 +56,7 @@ extern "C" OLMO_API void omSendMoveMessage(HWND hwnd)
         x = cx - px;
         y = cy - py;
     }
-    om::core::send(hwnd, WM_MOVE, 0, packPoint(x, y));
+    om::core::send(hwnd, WM_MOVE, 0, MAKELPARAM(x, y));
 }
 
 extern "C" OLMO_API BOOL omSizeMessageArgs(HWND hwnd, BOOL dialogRule, WPARAM *type, LPARAM *size)
@@ -96,7 +90,7 @@ extern "C" OLMO_API BOOL omSizeMessageArgs(HWND hwnd, BOOL dialogRule, WPARAM *t
     } else if (dialogRule && w->kind == OM_WK_DIALOG && !w->exposed) {
         return FALSE;
     }
-    *size = packPoint(cx, cy);
+    *size = MAKELPARAM(cx, cy);
     return TRUE;
 }
 
